@@ -1,0 +1,13 @@
+// The builtin handlers of this folder, bound by name into the builtin table.
+#include "frontend/tables.h"
+
+namespace tarn {
+
+std::span<const HandlerBinding> bindingHandlers() {
+  static const HandlerBinding bindings[] = {
+      {"", nullptr},  // placeholder until the first handler lands
+  };
+  return std::span<const HandlerBinding>(bindings, 0);
+}
+
+}  // namespace tarn

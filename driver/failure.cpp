@@ -1,0 +1,22 @@
+// Fatal assertion and internal failure: print and abort, nothing else.
+#include "driver/failure.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace tarn {
+
+void fatalAssertion(const char* file, int line) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "ASSERTION FAILED:%s:%d\n", file, line);
+  std::fflush(stderr);
+  std::abort();
+}
+
+void internalFailure(const char* tag) {
+  std::printf("REDVFAIL: %s\n", tag);
+  std::fflush(stdout);
+  fatalAssertion(__FILE_NAME__, __LINE__);
+}
+
+}  // namespace tarn

@@ -1,0 +1,26 @@
+// Fatal outputs for internal faults.
+//
+// Contract: nothing that a program can get wrong comes through here. These are
+// the two ways the interpreter stops when one of its own invariants breaks:
+//   - a fatal assertion prints "ASSERTION FAILED:<file>:<line>\n" to the error
+//     stream and aborts, with no cleanup;
+//   - an internal failure prints "REDVFAIL: <tag>\n" to the output stream first,
+//     then fails a fatal assertion.
+#pragma once
+
+namespace tarn {
+
+[[noreturn]] void fatalAssertion(const char* file, int line);
+[[noreturn]] void internalFailure(const char* tag);
+
+}  // namespace tarn
+
+// TARN_ASSERT(cond): a fatal assertion when cond is false. Always on.
+#define TARN_ASSERT(cond)                                  \
+  do {                                                     \
+    if (!(cond)) [[unlikely]]                              \
+      ::tarn::fatalAssertion(__FILE_NAME__, __LINE__);     \
+  } while (0)
+
+// TARN_FAIL(): an unconditional fatal assertion at this place.
+#define TARN_FAIL() ::tarn::fatalAssertion(__FILE_NAME__, __LINE__)

@@ -1,0 +1,126 @@
+// Globals, call forms and the prelude's copy: named slots with cached lookups.
+#include <algorithm>
+#include <deque>
+#include <map>
+#include <unordered_map>
+
+#include "frontend/tables.h"
+
+namespace tarn {
+
+namespace {
+
+struct Tables {
+  std::deque<GlobalSlot> slots;
+  std::unordered_map<std::string, uint32_t> index;
+  std::map<std::string, Term, std::less<>> prelude;
+};
+
+Tables& tables() {
+  static Tables* t = new Tables;  // lives to the end of the process
+  return *t;
+}
+
+uint32_t epoch = 1;
+
+}  // namespace
+
+uint32_t memoryEpoch() { return epoch; }
+void advanceMemoryEpoch() {
+  if (++epoch == 0) epoch = 1;  // 0 marks "no cache" in a leaf
+}
+
+uint32_t slotOf(std::string_view name) {
+  Tables& t = tables();
+  auto it = t.index.find(std::string(name));
+  if (it != t.index.end()) return it->second;
+  uint32_t i = uint32_t(t.slots.size());
+  GlobalSlot& s = t.slots.emplace_back();
+  s.name = std::string(name);
+  s.builtin = findBuiltin(name);
+  t.index.emplace(s.name, i);
+  return i;
+}
+
+GlobalSlot& globalSlot(uint32_t index) { return tables().slots[index]; }
+
+uint32_t slotOfLeaf(const Term& nameLeaf) {
+  Node* n = nameLeaf.node();
+  LeafPrefix* pre = prefixOf(n);
+  if (pre->cacheEpoch == epoch) return pre->cacheSlot;
+  uint32_t s = slotOf(textOf(nameLeaf));
+  pre->cacheEpoch = epoch;
+  pre->cacheSlot = s;
+  return s;
+}
+
+const Term* findGlobal(std::string_view name) {
+  Tables& t = tables();
+  auto it = t.index.find(std::string(name));
+  if (it == t.index.end()) return nullptr;
+  const GlobalSlot& s = t.slots[it->second];
+  return s.value ? &s.value : nullptr;
+}
+
+void setGlobal(std::string_view name, Term value) {
+  GlobalSlot& s = globalSlot(slotOf(name));
+  s.value = std::move(value);
+  s.peeledEpoch = 0;
+  s.body = Term();
+}
+
+void eraseGlobal(std::string_view name) {
+  Tables& t = tables();
+  auto it = t.index.find(std::string(name));
+  if (it == t.index.end()) return;
+  GlobalSlot& s = t.slots[it->second];
+  s.value = Term();
+  s.peeledEpoch = 0;
+  s.body = Term();
+}
+
+std::vector<std::string> globalNames() {
+  std::vector<std::string> names;
+  for (const GlobalSlot& s : tables().slots)
+    if (s.value) names.push_back(s.name);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+void clearGlobals() {
+  for (GlobalSlot& s : tables().slots) {
+    s.value = Term();
+    s.body = Term();
+    s.peeledEpoch = 0;
+    s.callForm = false;
+  }
+}
+
+bool isCallForm(std::string_view name) {
+  Tables& t = tables();
+  auto it = t.index.find(std::string(name));
+  return it != t.index.end() && t.slots[it->second].callForm;
+}
+
+void setCallForm(std::string_view name, bool on) { globalSlot(slotOf(name)).callForm = on; }
+
+void clearCallForms() {
+  for (GlobalSlot& s : tables().slots) s.callForm = false;
+}
+
+const Term* findPreludeGlobal(std::string_view name) {
+  Tables& t = tables();
+  auto it = t.prelude.find(name);
+  return it == t.prelude.end() ? nullptr : &it->second;
+}
+
+void snapshotPreludeGlobals() {
+  Tables& t = tables();
+  t.prelude.clear();
+  for (const GlobalSlot& s : t.slots)
+    if (s.value) t.prelude.emplace(s.name, s.value);
+}
+
+void clearPreludeGlobals() { tables().prelude.clear(); }
+
+}  // namespace tarn

@@ -1,0 +1,107 @@
+// Process-wide tables: the builtin table, the globals, the prelude's copy of
+// the globals and the call forms.
+//
+// Contract: the tables are created on first use and live to the end of the
+// process; nothing guards them (one thread). `globals` maps a name to its
+// definition; the empty name holds the main term. A name that has ever been
+// looked up keeps a numbered slot for the rest of the run, with or without an
+// entry, so the machine can cache a name's slot number in the name's leaf.
+// Entries change only through `setGlobal`/`eraseGlobal`, which keep the
+// per-slot caches right.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "terms/term.h"
+
+namespace tarn {
+
+// ---- Builtins -------------------------------------------------------------
+
+// A handler gets the whole saturated application (head name included),
+// borrowed, with every argument a value, and returns its result.
+using Handler = Term (*)(const Term& chain);
+
+struct Builtin {
+  std::string_view name;
+  uint8_t arity;
+  bool writesMemory;  // may change bytes of nodes: name caches are dropped
+  Handler handler;    // null until the builtin's handler is written
+};
+
+// The 254 primitives in name order, with their handlers bound.
+std::span<const Builtin> builtinTable();
+// The table entry of a name, or null.
+const Builtin* findBuiltin(std::string_view name);
+// Calls a builtin's handler; a builtin with no handler yet is the internal
+// failure "unimplemented NAME".
+Term callBuiltin(const Builtin& b, const Term& chain);
+
+// Each family of builtins lists its handlers by name; builtins.cpp binds them.
+struct HandlerBinding {
+  std::string_view name;
+  Handler handler;
+};
+std::span<const HandlerBinding> numberHandlers();     // numbers/
+std::span<const HandlerBinding> primitiveHandlers();  // primitives/
+std::span<const HandlerBinding> bindingHandlers();    // bindings/
+std::span<const HandlerBinding> compileHandlers();    // checks/ (road, load)
+
+// Arguments of a chain: argument i (0-based) of a saturated application of
+// arity n, borrowed.
+inline const Term& chainArg(const Term& chain, int i, int n) {
+  const Term* t = &chain;
+  for (int k = n - 1; k > i; k--) t = &t->left();
+  return t->right();
+}
+
+// ---- Globals ----------------------------------------------------------------
+
+struct GlobalSlot {
+  std::string name;
+  Term value;               // the definition; null when the name has no entry
+  bool callForm = false;    // defined as name()\body: never memoised
+  const Builtin* builtin = nullptr;
+  // Leading binders of `value`, peeled once per change: the parameter letters
+  // and the body under them. Valid while `peeledEpoch` equals the memory
+  // epoch and the value is unchanged.
+  std::string params;
+  Term body;
+  uint32_t peeledEpoch = 0;
+};
+
+// The memory epoch: advanced after every builtin that may write memory.
+// Caches keyed on leaf bytes are valid only within one epoch.
+uint32_t memoryEpoch();
+void advanceMemoryEpoch();
+
+// The slot of a name, made on first use (without an entry).
+uint32_t slotOf(std::string_view name);
+GlobalSlot& globalSlot(uint32_t index);
+// The slot of a name leaf, through the leaf's cache.
+uint32_t slotOfLeaf(const Term& nameLeaf);
+
+// The entry of a name, or null.
+const Term* findGlobal(std::string_view name);
+inline bool hasGlobal(std::string_view name) { return findGlobal(name) != nullptr; }
+void setGlobal(std::string_view name, Term value);
+void eraseGlobal(std::string_view name);
+// The names that have entries, in byte order.
+std::vector<std::string> globalNames();
+// Removes every entry and every call-form mark.
+void clearGlobals();
+
+bool isCallForm(std::string_view name);
+void setCallForm(std::string_view name, bool on);
+void clearCallForms();
+
+// The copy of the globals taken when the prelude was loaded.
+const Term* findPreludeGlobal(std::string_view name);
+void snapshotPreludeGlobals();
+void clearPreludeGlobals();
+
+}  // namespace tarn

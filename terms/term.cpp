@@ -1,0 +1,103 @@
+// Leaf construction, leaf text lengths and the header setters.
+#include "terms/term.h"
+
+#include <cstring>
+
+#include "terms/alphabet.h"
+
+namespace tarn {
+
+namespace {
+
+// Blocks of a new leaf: header with the leaf bit and count 1, then the text
+// and a NUL.
+Node* newLeafNode(size_t textBytes) {
+  Node* n = allocLeafNode(textBytes + 1);
+  n->header = (uint64_t(header::kFreshLeafTop) << header::kTopShift) | 1;
+  n->bytes()[textBytes] = 0;
+  return n;
+}
+
+}  // namespace
+
+Term leaf(std::string_view text) {
+  Node* n = newLeafNode(text.size());
+  if (!text.empty()) std::memcpy(n->bytes(), text.data(), text.size());
+  unsigned char c = text.empty() ? 0 : static_cast<unsigned char>(text[0]);
+  if ((isDigit(c) || c == '[') && text.size() < header::kSizeLimit) n->setSizeRaw(uint32_t(text.size()));
+  return Term::adopt(n);
+}
+
+Term leafByte(unsigned char b) {
+  Node* n = newLeafNode(1);
+  n->bytes()[0] = b;
+  if (isDigit(b)) n->setSizeRaw(1);
+  return Term::adopt(n);
+}
+
+Term emptyLeaf() { return Term::adopt(newLeafNode(0)); }
+
+Term vectorLeaf(size_t count) {
+  TARN_ASSERT(count < header::kSizeLimit);
+  Node* n = newLeafNode(1 + 8 * count);
+  n->bytes()[0] = '\n';
+  std::memset(n->bytes() + 1, 0, 8 * count);
+  n->setSizeRaw(uint32_t(count));
+  return Term::adopt(n);
+}
+
+void setElement(const Term& vec, size_t i, Term e) {
+  Node* v = vec.node();
+  TARN_ASSERT(v->isLeaf() && v->bytes()[0] == '\n' && i < v->size());
+  Node* old = v->element(i);
+  v->setElementRaw(i, e.detach());
+  if (old) releaseNode(old);
+}
+
+size_t leafLength(const Node* n) {
+  if (!n->isLeaf()) return 0;
+  const unsigned char* t = n->bytes();
+  unsigned char c = t[0];
+  if (c == ' ') return 9;
+  if (c == '\n') return 1 + 8 * size_t(n->size());
+  if (isDigit(c) || c == '[') {
+    if (uint32_t s = n->size()) return s;
+    size_t len;
+    if (c == '[') {
+      // Balance walk for a literal too long for the size field.
+      long depth = 1;
+      len = 1;
+      while (depth > 0) {
+        if (t[len] == '[') depth++;
+        else if (t[len] == ']') depth--;
+        len++;
+      }
+    } else {
+      len = std::strlen(reinterpret_cast<const char*>(t));
+    }
+    TARN_ASSERT(len >= header::kSizeLimit);
+    return len;
+  }
+  if (c == '(') {
+    size_t close = 1;
+    uint64_t count = 0;
+    while (t[close] != ')') count = count * 64 + uint64_t(digitValue(t[close++]));
+    return size_t(count) + close + 1;
+  }
+  return std::strlen(reinterpret_cast<const char*>(t));
+}
+
+void setArity(Node* n, int value) {
+  TARN_ASSERT(value <= 11);
+  TARN_ASSERT(value >= -52);
+  int biased = value + header::kArityBias;
+  TARN_ASSERT(biased < 64);
+  n->setTop(uint8_t((n->top() & 0xc0) | biased));
+}
+
+void setSize(Node* n, uint32_t value) {
+  TARN_ASSERT(value < header::kSizeLimit);
+  n->setSizeRaw(value);
+}
+
+}  // namespace tarn
