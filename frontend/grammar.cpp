@@ -88,6 +88,7 @@ class Parser {
   Term prefix(size_t b, size_t e);
   Term operatorChain(size_t b, size_t e);
   size_t nextUnary(size_t from, size_t e) const;
+  size_t elementEnd(size_t start, size_t e) const;
   Term callChain(size_t b, size_t e);
   Term atom(size_t b, size_t e);
 
@@ -235,6 +236,14 @@ Term Parser::operatorChain(size_t b, size_t e) {
   return term;
 }
 
+// The end of the element that starts at `start`: a "[" or "(" element is
+// skipped whole, then bytes join it until the element rules start another.
+size_t Parser::elementEnd(size_t start, size_t e) const {
+  size_t i = after(start);
+  while (i < e && !startsElement(at(i - 1), at(i))) i++;
+  return i;
+}
+
 // Level 12. Elements written side by side, applied from the left: SKK is
 // ((S K) K), ab1 is (ab 1), 12ab is (12 ab). An element that opens with "("
 // after the first is an argument list: the term is applied to each of its
@@ -242,28 +251,23 @@ Term Parser::operatorChain(size_t b, size_t e) {
 // is (f }).
 Term Parser::callChain(size_t b, size_t e) {
   TARN_ASSERT(b < e);
-  size_t start = b;
-  size_t i = after(b);
-  Term term;  // null until the first element is parsed
-  for (;;) {
-    while (i < e && !startsElement(at(i - 1), at(i))) i++;
-    if (!term) {
-      term = atom(start, i);
-    } else if (at(start) == '(') {
-      auto commas = splitPoints(start + 1, i - 1, [](unsigned char c) { return c == ','; });
-      size_t from = start + 1;
-      for (size_t comma : commas) {
-        term = App(std::move(term), expression(from, comma));
-        from = comma + 1;
-      }
-      term = App(std::move(term), expression(from, i - 1));
-    } else {
-      term = App(std::move(term), atom(start, i));
+  size_t end = elementEnd(b, e);
+  Term term = atom(b, end);
+  while (end < e) {
+    size_t start = end;
+    end = elementEnd(start, e);
+    if (at(start) != '(') {
+      term = App(std::move(term), atom(start, end));
+      continue;
     }
-    if (i >= e) return term;
-    start = i;
-    i = after(i);
+    size_t from = start + 1;
+    for (size_t comma : splitPoints(from, end - 1, [](unsigned char c) { return c == ','; })) {
+      term = App(std::move(term), expression(from, comma));
+      from = comma + 1;
+    }
+    term = App(std::move(term), expression(from, end - 1));
   }
+  return term;
 }
 
 // Level 13. Words and numbers are leaves of all their bytes (a stray byte

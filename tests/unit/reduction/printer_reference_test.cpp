@@ -24,8 +24,8 @@ std::string refLeaf(const Term& t) {
   if (c == '\n') {
     std::string p = "cray";
     for (size_t i = 0; i < t.node()->size(); i++) {
-      const Term& e = elementOf(t, i);
-      p = "(/ " + p + " " + (e ? refPrint(e) : "Z") + ")";
+      Node* e = t.node()->element(i);  // elements sit unaligned: copied out
+      p = "(/ " + p + " " + (e ? refPrint(Term::share(e)) : "Z") + ")";
     }
     return p;
   }
