@@ -29,22 +29,28 @@ TEST(Scan, BracketMessages) {
   EXPECT_EQ(c.report.way, "");
   EXPECT_EQ(c.position, 0);
 
-  EXPECT_EQ(check("(").report.say, "Dangling left-parenthesis at [_____].");
-  EXPECT_EQ(check("x}").report.say, "Dangling right-wing at [____a].");
-  EXPECT_EQ(check("]").report.say, "Dangling right-bracket at [_____].");
-  c = check("a{");
-  EXPECT_EQ(c.report.say, "Dangling left-wing at [____a].");
-  EXPECT_EQ(c.position, 1);
-  // Inside a literal a parenthesis is inert.
-  EXPECT_EQ(check("[(").report.say, "Dangling left-bracket at [_____].");
-  EXPECT_EQ(check("[[]").report.say, "Dangling left-bracket at [_____].");
-  // The innermost open bracket is the one reported.
-  EXPECT_EQ(check("({").report.say, "Dangling left-wing at [____a].");
-  EXPECT_EQ(check("(a(").report.say, "Dangling left-parenthesis at [____b].");
-  EXPECT_EQ(check("((a)").report.say, "Dangling left-parenthesis at [_____].");
-  // Positions in the system's own digit order.
-  EXPECT_EQ(check(std::string(19, 'a') + ")").report.say, "Dangling right-parenthesis at [____u].");
-  EXPECT_EQ(check(std::string(64, ' ') + "}").report.vip, "___a_");
+  // Text, message: the kind named is the offending byte's; the innermost
+  // open bracket is reported; parentheses are inert inside a literal.
+  const std::pair<std::string, std::string_view> cases[] = {
+      {"(", "Dangling left-parenthesis at [_____]."},
+      {"x}", "Dangling right-wing at [____a]."},
+      {"]", "Dangling right-bracket at [_____]."},
+      {"a{", "Dangling left-wing at [____a]."},
+      {"[(", "Dangling left-bracket at [_____]."},
+      {"[[]", "Dangling left-bracket at [_____]."},
+      {"({", "Dangling left-wing at [____a]."},
+      {"(a(", "Dangling left-parenthesis at [____b]."},
+      {"((a)", "Dangling left-parenthesis at [_____]."},
+      {std::string(19, 'a') + ")", "Dangling right-parenthesis at [____u]."},
+      {std::string(64, ' ') + "}", "Dangling right-wing at [___a_]."},
+      {"x{(y})", "'(' at [____b] doesn't fit '}' at [____d]."}};
+  for (const auto& [text, say] : cases) {
+    c = check(text);
+    EXPECT_EQ(c.report.say, say) << text;
+    EXPECT_EQ(c.report.tag, "match");
+    EXPECT_EQ(c.report.vip, say.substr(say.find('[') + 1, 5));
+  }
+  EXPECT_EQ(check("a{").position, 1);
 
   c = check("(]");
   EXPECT_EQ(c.report.say, "'(' at [_____] doesn't fit ']' at [____a].");
@@ -52,7 +58,6 @@ TEST(Scan, BracketMessages) {
   EXPECT_EQ(c.report.vip, "_____");
   EXPECT_EQ(c.report.tip, "____a");
   EXPECT_EQ(c.position, 0);
-  EXPECT_EQ(check("x{(y})").report.say, "'(' at [____b] doesn't fit '}' at [____d].");
 }
 
 TEST(Scan, SoundStructures) {

@@ -63,22 +63,5 @@ TEST(Header, CountChangesKeepTheUpperBits) {
   EXPECT_EQ(n->count(), 1u);
 }
 
-TEST(Header, FreshNodesAndFirstBytes) {
-  Term app = App3(leaf("a"), leaf("b"), leaf("c"), leaf("d"));
-  EXPECT_EQ(app.node()->top(), 0);
-  EXPECT_EQ(app.first(), 0);
-  EXPECT_TRUE(app.left().left().isApp());
-  EXPECT_TRUE(app.left().left().left().isLeaf());
-  EXPECT_EQ(textOf(app), "");
-  Term br = leaf("[x]");
-  EXPECT_EQ(br.first(), '[');
-  EXPECT_EQ(br.node()->size(), 3u);
-  Term word = leafByte('K');
-  EXPECT_TRUE(isByteLeaf(word, 'K'));
-  EXPECT_EQ(word.node()->size(), 0u);
-  EXPECT_EQ(textOf(leaf(std::string_view("(b)xy", 5))), std::string_view("(b)xy", 5));
-  EXPECT_EQ(textOf(leaf("()")), "()");  // a blob with an empty count
-}
-
 }  // namespace
 }  // namespace tarn

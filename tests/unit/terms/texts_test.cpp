@@ -58,42 +58,22 @@ TEST(Texts, NameShapes) {
 }
 
 TEST(Texts, ByteTablePairs) {
-  // Class 2 code.
-  EXPECT_EQ(byteOfPair(2, 'J'), 0);
-  EXPECT_EQ(byteOfPair(2, 'j'), 0);
-  EXPECT_EQ(byteOfPair(2, 'A'), 1);
-  EXPECT_EQ(byteOfPair(2, 'i'), 9);
-  EXPECT_EQ(byteOfPair(2, ','), 10);
-  EXPECT_EQ(byteOfPair(2, 'K'), 11);
-  EXPECT_EQ(byteOfPair(2, 'z'), 26);
-  EXPECT_EQ(byteOfPair(2, '('), 27);
-  EXPECT_EQ(byteOfPair(2, '['), 31);
-  EXPECT_EQ(byteOfPair(2, '_'), 32);
-  EXPECT_EQ(byteOfPair(2, '~'), 127);
-  EXPECT_EQ(byteOfPair(2, '!'), 128);
-  EXPECT_EQ(byteOfPair(2, '\\'), 143);
-  EXPECT_EQ(byteOfPair(2, '?'), 150);
-  EXPECT_EQ(byteOfPair(2, '0'), 151);
-  EXPECT_EQ(byteOfPair(2, '9'), 160);
-  EXPECT_EQ(byteOfPair(2, ']'), 255);
-  // Classes 1 and 3.
-  EXPECT_EQ(byteOfPair(1, 'A'), 193);
-  EXPECT_EQ(byteOfPair(1, '?'), 191);
-  EXPECT_EQ(byteOfPair(3, '['), '[');
-  // Table entries at the run boundaries.
-  EXPECT_EQ(tableByte(0), 151);
-  EXPECT_EQ(tableByte(9), 160);
-  EXPECT_EQ(tableByte(52), 32);
-  EXPECT_EQ(tableByte(53), '_');
-  EXPECT_EQ(tableByte(144), ',');
-  EXPECT_EQ(tableByte(145), '_' + 128);
-  EXPECT_EQ(tableByte(236), ',' + 128);
-  EXPECT_EQ(tableByte(238), ']' + 128);
-  EXPECT_EQ(tableByte(239), 31);
-  EXPECT_EQ(tableByte(245), 10);
-  EXPECT_EQ(tableByte(246), '[');
-  EXPECT_EQ(tableByte(247), ']');
-  EXPECT_EQ(tableByte(255), 150);
+  struct Pair {
+    uint8_t cls;
+    unsigned char glyph;
+    int byte;
+  };
+  // The class-2 code at its edges, then classes 1 and 3.
+  const Pair pairs[] = {{2, 'J', 0},   {2, 'j', 0},   {2, 'A', 1},   {2, 'i', 9},    {2, ',', 10},
+                        {2, 'K', 11},  {2, 'z', 26},  {2, '(', 27},  {2, '[', 31},   {2, '_', 32},
+                        {2, '~', 127}, {2, '!', 128}, {2, '\\', 143}, {2, '?', 150}, {2, '0', 151},
+                        {2, '9', 160}, {2, ']', 255}, {1, 'A', 193}, {1, '?', 191},  {3, '[', '['}};
+  for (const Pair& p : pairs) EXPECT_EQ(byteOfPair(p.cls, p.glyph), p.byte) << p.glyph;
+  // Table entries at the run boundaries: index, byte.
+  const int entries[][2] = {{0, 151},       {9, 160},         {52, 32},  {53, '_'}, {144, ','},
+                            {145, '_' + 128}, {236, ',' + 128}, {238, ']' + 128},       {239, 31},
+                            {245, 10},      {246, '['},       {247, ']'}, {255, 150}};
+  for (const auto& e : entries) EXPECT_EQ(tableByte(e[0]), e[1]) << e[0];
   // Every byte is denoted exactly once.
   std::set<int> seen;
   for (int i = 0; i < 256; i++) {
@@ -103,6 +83,11 @@ TEST(Texts, ByteTablePairs) {
   EXPECT_EQ(seen.size(), 256u);
   EXPECT_DEATH(byteOfPair(2, ' '), "ASSERTION FAILED");
   EXPECT_DEATH(byteOfPair(2, 200), "ASSERTION FAILED");
+}
+
+TEST(Texts, BlobLengthsFromTheirCount) {
+  EXPECT_EQ(textOf(leaf("()")), "()");
+  EXPECT_EQ(textOf(leaf(std::string_view("(b)x\0yz", 7))), std::string_view("(b)x\0", 5));
 }
 
 TEST(Texts, BracketCodes) {
