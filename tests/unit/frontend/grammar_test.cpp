@@ -148,6 +148,14 @@ TEST(Grammar, AtomsOfOddBytes) {
   EXPECT_EQ(treeOf(parseExpression(std::string_view("\0", 1))), "cray");
 }
 
+TEST(Grammar, StrayCommaBehindAOneByteElementStops) {
+  // The comma is no element boundary, so "S," is one element of two bytes
+  // that is no word or number: the atom level's fatal assertion. The bracket
+  // check lets "f((S,x))" through, since the inner parenthesis follows "(".
+  EXPECT_DEATH(parseExpression("(S,x)"), "ASSERTION FAILED");
+  EXPECT_DEATH(parseExpression("f((\xff,x))"), "ASSERTION FAILED");
+}
+
 TEST(Grammar, NumbersAndWordsAreLeavesOfTheirText) {
   Term n = parseExpression("1234");
   ASSERT_TRUE(n.isLeaf());
