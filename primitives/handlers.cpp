@@ -8,7 +8,9 @@ namespace tarn {
 
 std::span<const HandlerBinding> primitiveHandlers() {
   static const HandlerBinding bindings[] = {
+      {"cmpr", handleCmpr},
       {"lisp", handleLisp},
+      {"tern", handleTern},
   };
   return bindings;
 }

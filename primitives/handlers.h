@@ -6,5 +6,7 @@
 namespace tarn {
 
 Term handleLisp(const Term& chain);
+Term handleTern(const Term& chain);
+Term handleCmpr(const Term& chain);
 
 }  // namespace tarn
