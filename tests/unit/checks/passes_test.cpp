@@ -1,0 +1,212 @@
+// Definition passes: name lists, pair wings, funky keys, references, local
+// names and their letters, and compile-time folding; deep terms throughout.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "checks/names.h"
+#include "checks/passes.h"
+#include "driver/stack.h"
+#include "frontend/compile.h"
+#include "frontend/grammar.h"
+#include "frontend/scan.h"
+#include "reduction/printer.h"
+#include "tests/unit/frontend/tree_dump.h"
+
+namespace tarn {
+namespace {
+
+using testing::treeOf;
+
+Term parse(std::string_view source) { return parseExpression(normalise(source)); }
+std::vector<std::string> namesOf(const NameList& list) { return list.names; }
+using Names = std::vector<std::string>;
+
+TEST(NameList, SortedSetOperations) {
+  NameList list = emptyNames();
+  for (std::string_view n : {"zz", "a", "K", "a", "+", "zz"}) insertName(list, n);
+  EXPECT_EQ(namesOf(list), (Names{"+", "K", "a", "zz"}));  // byte order, once each
+  EXPECT_EQ(countNames(list), 4u);
+  EXPECT_TRUE(hasName(list, "K"));
+  EXPECT_FALSE(hasName(list, "k"));
+  removeName(list, "K");
+  removeName(list, "absent");
+  EXPECT_EQ(namesOf(list), (Names{"+", "a", "zz"}));
+  NameList merged = mergeNames(list, mergeNames(oneName("b"), oneName("a")));
+  EXPECT_EQ(namesOf(merged), (Names{"+", "a", "b", "zz"}));
+  EXPECT_EQ(countNames(emptyNames()), 0u);
+}
+
+TEST(PairWings, UnfoldIntoThreeWingsReusingTheSecondName) {
+  EXPECT_EQ(treeOf(expandPairWings(parse("x y{w}b"))),
+            "((([{] y) w) ((([{] x) (y K)) ((([{] y) (y H)) b)))");
+  // An operator name binds by its plain name in the projections.
+  EXPECT_EQ(treeOf(expandPairWings(parse("x [+]{w}b"))),
+            "((([{] [+]) w) ((([{] x) ([+] K)) ((([{] [+]) ([+] H)) b)))");
+  // Two equal names are legal: both bindings act.
+  EXPECT_EQ(treeOf(expandPairWings(parse("a a{w}a"))),
+            "((([{] a) w) ((([{] a) (a K)) ((([{] a) (a H)) a)))");
+  // Inner pair wings unfold first, inside values and bodies alike.
+  EXPECT_EQ(treeOf(expandPairWings(parse("p{c d{v}d}p"))),
+            "((([{] p) ((([{] d) v) ((([{] c) (d K)) ((([{] d) (d H)) d)))) p)");
+}
+
+TEST(PairWings, OtherPatternsAndBindersStayAsTheyAre) {
+  for (std::string_view src : {"a b c{w}y", "1{w}y", "x 1{w}y", "(x y)\\b", "f(a\\b)"}) {
+    Term t = parse(src);
+    EXPECT_TRUE(expandPairWings(t).same(t)) << src;
+  }
+}
+
+TEST(FunkyKeys, FindsTheFirstIllegalBinderOrWing) {
+  auto funky = [](std::string_view src) {
+    Term t = parse(src);
+    const Term* key = findFunkyKey(t);
+    return key ? treeOf(*key) : std::string("none");
+  };
+  EXPECT_EQ(funky("a\\b\\a b"), "none");
+  EXPECT_EQ(funky("[+]\\x{y}x+y"), "none");
+  EXPECT_EQ(funky("a\\1\\0"), "(([\\] 1) 0)");
+  EXPECT_EQ(funky("(g h)\\0"), "(([\\] (g h)) 0)");
+  EXPECT_EQ(funky("a b c{w}y"), "((([{] ((a b) c)) w) y)");
+  EXPECT_EQ(funky("1{w}y"), "((([{] 1) w) y)");
+  EXPECT_EQ(funky("x y{w}z"), "((([{] (x y)) w) z)");  // not unfolded yet
+  EXPECT_EQ(funky("+\\0"), "(([\\] (([+] [}]) [}])) 0)");  // a bare operator
+  // Depth first, left to right; inside wing values and argument positions.
+  EXPECT_EQ(funky("K(1\\0)(2\\0)"), "(([\\] 1) 0)");
+  EXPECT_EQ(funky("x{3\\0}y"), "(([\\] 3) 0)");
+  EXPECT_EQ(funky("f(4\\0)"), "(([\\] 4) 0)");
+  EXPECT_EQ(funky("a\\b\\K(5\\0)"), "(([\\] 5) 0)");
+}
+
+TEST(FunkyKeys, AnUnfoldedPairIsLegal) {
+  Term t = expandPairWings(parse("x y{w}z"));
+  EXPECT_EQ(findFunkyKey(t), nullptr);
+}
+
+TEST(GlobalRefs, FreeNamesWithBoundOnesRemoved) {
+  auto refs = [](std::string_view src) { return namesOf(globalRefs(parse(src))); };
+  EXPECT_EQ(refs("a\\f a b"), (Names{"b", "f"}));
+  // A wing's name is bound in its body only, not in its value.
+  EXPECT_EQ(refs("x{g x}h x"), (Names{"g", "h", "x"}));
+  // "[+]" binds "+"; numbers and literals are no names.
+  EXPECT_EQ(refs("[+]\\a+b 12[cd]"), (Names{"a", "b"}));
+  EXPECT_EQ(refs("zz aa K a+b"), (Names{"+", "K", "a", "aa", "b", "zz"}));
+  // A name bound in one branch is still free in the other.
+  EXPECT_EQ(refs("(f\\f) f"), (Names{"f"}));
+  EXPECT_EQ(refs("a\\a\\a"), (Names{}));
+  // The binding leaves themselves are never references.
+  EXPECT_EQ(namesOf(globalRefs(App(leafByte('\\'), leafByte('{')))), (Names{}));
+}
+
+TEST(Locals, BindingOccurrencesByLetterAndLongName) {
+  Term t = parse("a\\foo\\x{bar\\a}K(c\\[+]\\0)");
+  EXPECT_EQ(namesOf(letterLocals(t)), (Names{"a", "c", "x"}));
+  EXPECT_EQ(namesOf(longLocals(t)), (Names{"[+]", "bar", "foo"}));
+}
+
+TEST(Places, LongNamesTakeFreeLettersInSortedOrder) {
+  auto placed = [](std::string_view src) {
+    Term t = parse(src);
+    EXPECT_TRUE(placeLocals(t)) << src;
+    return treeOf(t);
+  };
+  // zed and yon sort as yon, zed: b and c, the letter a being in use.
+  EXPECT_EQ(placed("a\\zed\\yon\\a zed yon"), "(([\\] a) (([\\] c) (([\\] b) ((a c) b))))");
+  // Letters the source binds are skipped.
+  EXPECT_EQ(placed("a\\b\\d\\long\\long"),
+            "(([\\] a) (([\\] b) (([\\] d) (([\\] c) c))))");
+  // One long name takes one letter in all its scopes, wings included.
+  EXPECT_EQ(placed("K(foo\\foo)(foo{1}foo)"), "((K (([\\] a) a)) ((([{] a) 1) a))");
+  // "[+]" is renamed by its plain name, with its uses.
+  EXPECT_EQ(placed("x\\[+]\\x+x"), "(([\\] x) (([\\] a) ((a x) x)))");
+  // A free use of the same long name outside its scope is renamed too.
+  EXPECT_EQ(placed("(K\\0)K"), "((([\\] a) 0) a)");
+}
+
+TEST(Places, TwentySixNamesFitAndTwentySevenDoNot) {
+  std::string letters, withLong;
+  for (char c = 'a'; c <= 'y'; c++) letters += std::string(1, c) + "\\";
+  Term fits = parse(letters + "long\\long");
+  ASSERT_TRUE(placeLocals(fits));
+  const Term* b = &fits;
+  for (int i = 0; i < 25; i++) b = &b->right();
+  EXPECT_EQ(treeOf(*b), "(([\\] z) z)");
+
+  Term tooMany = parse(letters + "z\\long\\long");
+  Term before = tooMany;
+  EXPECT_FALSE(placeLocals(tooMany));
+  EXPECT_TRUE(tooMany.same(before));
+}
+
+TEST(Places, RenameLocalByItself) {
+  EXPECT_EQ(treeOf(renameLocal(parse("foo\\foo bar"), "foo", 'q')), "(([\\] q) (q bar))");
+  Term untouched = parse("a\\b c");
+  EXPECT_TRUE(renameLocal(untouched, "foo", 'q').same(untouched));
+}
+
+TEST(Arity, LeadingBindersOnly) {
+  EXPECT_EQ(leadingBinders(parse("a\\b\\K(c\\0)")), 2);
+  EXPECT_EQ(leadingBinders(parse("K(c\\0)")), 0);
+  EXPECT_EQ(leadingBinders(parse("a\\b\\c\\d\\e\\f\\g\\h\\i\\j\\k\\0")), 11);
+}
+
+class Folding : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    loadPrelude();
+    ASSERT_TRUE(compile("0").ok());
+  }
+};
+
+TEST_F(Folding, OpenExpressionsBecomeTheirSourceAndThemselves) {
+  EXPECT_EQ(treeOf(foldQuotes(parse("a\\`a"))), "(([\\] a) ((V [a]) a))");
+  EXPECT_EQ(treeOf(foldQuotes(parse("a\\`(K a)"))), "(([\\] a) ((V [Ka]) (K a)))");
+  // A number's size is its length: it takes the same road.
+  EXPECT_EQ(treeOf(foldQuotes(parse("`5"))), "((V [5]) 5)");
+  // Inner quotes fold first; the quoted text is the source as written.
+  EXPECT_EQ(treeOf(foldQuotes(parse("a\\`(K a `(K 1 2))"))),
+            "(([\\] a) ((V [(Ka (` (K1 2)))]) ((K a) 1)))");
+}
+
+TEST_F(Folding, ClosedExpressionsAreReducedOnce) {
+  EXPECT_EQ(treeOf(foldQuotes(parse("`(K 5 6)"))), "5");
+  EXPECT_EQ(treeOf(foldQuotes(parse("a\\K a `(I I 7)"))), "(([\\] a) ((K a) 7))");
+  Term plain = parse("a\\K a b");
+  EXPECT_TRUE(foldQuotes(plain).same(plain));
+}
+
+// A list of a million cells (J xx (J xx ... K)) and a spine of a million
+// arguments (f xx xx ... xx) through every walk.
+TEST(DeepTerms, PassesWalkAMillionLevels) {
+  runWithLargeStack([] {
+    constexpr int kDepth = 1000000;
+    Term x = leaf("xx"), j = leafByte('J');
+    Term list = leafByte('K');
+    for (int i = 0; i < kDepth; i++) list = App2(j, x, std::move(list));
+    Term spine = leaf("f");
+    for (int i = 0; i < kDepth; i++) spine = App(std::move(spine), x);
+
+    for (const Term* t : {&list, &spine}) {
+      EXPECT_TRUE(expandPairWings(*t).same(*t));
+      EXPECT_EQ(findFunkyKey(*t), nullptr);
+      EXPECT_EQ(countNames(letterLocals(*t)), 0u);
+      EXPECT_TRUE(foldQuotes(*t).same(*t));
+    }
+    EXPECT_EQ(namesOf(globalRefs(list)), (Names{"J", "K", "xx"}));
+    EXPECT_EQ(namesOf(globalRefs(spine)), (Names{"f", "xx"}));
+
+    // Bound at the top, a long name is renamed all the way down.
+    Term bound = App2(leafByte('\\'), x, list);
+    ASSERT_TRUE(placeLocals(bound));
+    EXPECT_EQ(treeOf(bound.left()), "([\\] a)");
+    const Term* cell = &bound.right();
+    for (int i = 1; i < kDepth; i++) cell = &cell->right();
+    EXPECT_EQ(treeOf(*cell), "((J a) K)");
+    EXPECT_EQ(namesOf(globalRefs(bound)), (Names{"J", "K"}));
+  });
+}
+
+}  // namespace
+}  // namespace tarn

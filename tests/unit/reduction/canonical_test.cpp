@@ -1,0 +1,135 @@
+// The structural order and canonical terms: signs, leaf lengths by form,
+// sharing through tern, the pruning of non-values, and the two builtins.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "driver/stack.h"
+#include "primitives/handlers.h"
+#include "reduction/canonical.h"
+
+namespace tarn {
+namespace {
+
+Term W(std::string_view text) { return leaf(text); }
+
+TEST(TermOrder, SignsAndShapes) {
+  Term a = W("a");
+  EXPECT_EQ(termOrder(W("a"), W("b")), 1);  // x sorts first: positive
+  EXPECT_EQ(termOrder(W("b"), W("a")), -1);
+  EXPECT_EQ(termOrder(W("ab"), W("a")), -1);  // the longer sorts last
+  EXPECT_EQ(termOrder(W("a"), W("ab")), 1);
+  EXPECT_EQ(termOrder(W("abc"), W("abc")), 0);
+  EXPECT_EQ(termOrder(a, a), 0);
+  EXPECT_EQ(termOrder(W("a"), App(W("a"), W("b"))), 1);  // a leaf after an application
+  EXPECT_EQ(termOrder(App(W("a"), W("b")), W("a")), -1);
+  EXPECT_EQ(termOrder(App(W("a"), W("b")), App(W("a"), W("c"))), 1);
+  EXPECT_EQ(termOrder(App(W("b"), W("a")), App(W("a"), W("c"))), -1);  // left decides first
+  EXPECT_EQ(termOrder(App(W("a"), W("b")), App(W("a"), W("b"))), 0);
+  EXPECT_EQ(termOrder(emptyLeaf(), W("a")), 1);
+  EXPECT_EQ(termOrder(leafByte(200), W("a")), -1);  // bytes compare unsigned
+  EXPECT_EQ(termOrder(W("12"), W("123")), 1);
+  EXPECT_EQ(termOrder(W("[ab]"), W("[ac]")), 1);
+}
+
+TEST(TermOrder, LeafLengthsByForm) {
+  // Reals compare all nine bytes, NULs included: 1.0 and 2.0 differ only in
+  // their top bytes (0x3F 0xF0 against 0x40 0x00, little-endian).
+  EXPECT_EQ(termOrder(realLeaf(1.0), realLeaf(2.0)), -1);
+  EXPECT_EQ(termOrder(realLeaf(2.0), realLeaf(1.0)), 1);
+  EXPECT_EQ(termOrder(realLeaf(0.5), realLeaf(0.5)), 0);
+  // Vectors compare their element references as raw bytes.
+  Term e = W("e");
+  Term v1 = vectorLeaf(1), v2 = vectorLeaf(1);
+  setElement(v1, 0, e);
+  setElement(v2, 0, e);
+  EXPECT_EQ(termOrder(v1, v2), 0);
+  EXPECT_EQ(termOrder(vectorLeaf(0), v1), 1);
+  EXPECT_EQ(termOrder(vectorLeaf(1), vectorLeaf(1)), 0);
+  // Blobs: the payload count of bytes from the head of the text, so two
+  // blobs of two bytes compare "(b" against "(b" whatever they hold, and a
+  // blob of three bytes compares "(c)".
+  EXPECT_EQ(termOrder(blobLeaf("xy"), blobLeaf("zw")), 0);
+  EXPECT_EQ(termOrder(blobLeaf("xy"), blobLeaf("xyz")), 1);
+  EXPECT_EQ(termOrder(blobLeaf(""), blobLeaf("x")), 1);
+}
+
+TEST(Tern, EqualTermsBecomeOneNode) {
+  clearSeenTerms();
+  Term five1 = W("5"), five2 = W("5");
+  Term c1 = tern(five1), c2 = tern(five2);
+  EXPECT_TRUE(c1.same(five1));
+  EXPECT_TRUE(c2.same(five1));
+
+  // Children already canonical: the application itself is entered.
+  Term f = tern(W("f")), x = tern(W("x"));
+  Term fx = App(f, x);
+  EXPECT_TRUE(tern(fx).same(fx));
+  EXPECT_TRUE(isSeen(fx));
+  // Fresh children: a new node over the canonical ones; the argument is not
+  // entered, and a later equal term finds the same entry.
+  Term fresh = App(W("f"), W("x"));
+  EXPECT_TRUE(tern(fresh).same(fx));
+  Term other = App(W("g"), W("x"));
+  Term canonical = tern(other);
+  EXPECT_FALSE(canonical.same(other));
+  EXPECT_TRUE(canonical.right().same(x));
+  EXPECT_TRUE(tern(App(W("g"), W("x"))).same(canonical));
+}
+
+TEST(Tern, PruningKeepsOnlyValues) {
+  clearSeenTerms();
+  Term applied = tern(App(W("5"), W("6")));  // a number applied: a redex
+  Term data = tern(App(W("[a]"), W("[b]")));
+  size_t before = seenTermCount();
+  eraseSeenNonValues();
+  EXPECT_FALSE(isSeen(applied));
+  EXPECT_TRUE(isSeen(data));
+  EXPECT_TRUE(isSeen(W("5")));
+  EXPECT_EQ(seenTermCount(), before - 1);
+  eraseSeen(W("6"));
+  EXPECT_FALSE(isSeen(W("6")));
+  clearSeenTerms();
+  EXPECT_EQ(seenTermCount(), 0u);
+}
+
+TEST(Tern, DeepListsShareAndCompare) {
+  runWithLargeStack([] {
+    clearSeenTerms();
+    constexpr int kDepth = 1000000;
+    auto list = [](std::string_view last) {
+      Term t = W(last);
+      for (int i = 0; i < kDepth; i++) t = App2(leafByte('J'), W("1"), std::move(t));
+      return t;
+    };
+    Term a = list("K"), b = list("K"), c = list("H");
+    EXPECT_EQ(termOrder(a, b), 0);
+    EXPECT_EQ(termOrder(c, a), 1);  // "H" before "K" at the very end
+    // Every cell has leaves of its own: the canonical list is made anew once,
+    // and the second list finds it.
+    Term ca = tern(a);
+    EXPECT_FALSE(ca.same(a));
+    EXPECT_EQ(termOrder(ca, a), 0);
+    EXPECT_TRUE(tern(b).same(ca));
+    EXPECT_TRUE(tern(ca).same(ca));
+    clearSeenTerms();
+  });
+}
+
+TEST(OrderBuiltins, CmprAndTern) {
+  auto cmpr = [](Term x, Term y) {
+    return std::string(textOf(handleCmpr(App2(W("cmpr"), std::move(x), std::move(y)))));
+  };
+  EXPECT_EQ(cmpr(W("a"), W("b")), "1");
+  EXPECT_EQ(cmpr(W("b"), W("a")), "01");
+  EXPECT_EQ(cmpr(App(W("a"), W("b")), App(W("a"), W("b"))), "0");
+
+  clearSeenTerms();
+  Term first = handleTern(App(W("tern"), W("[q]")));
+  Term second = handleTern(App(W("tern"), W("[q]")));
+  EXPECT_TRUE(first.same(second));
+  clearSeenTerms();
+}
+
+}  // namespace
+}  // namespace tarn
