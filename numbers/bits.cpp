@@ -65,7 +65,10 @@ bool getBit(const BitString& b, size_t i) {
 
 void setBit(BitString& b, size_t i, bool v) {
   size_t byte = i / 8;
-  if (byte >= b.size()) b.resize(byte + 1, '\0');
+  if (byte >= b.size()) {
+    if (!v) return;  // a bit beyond the end already reads 0
+    b.resize(byte + 1, '\0');
+  }
   unsigned char mask = static_cast<unsigned char>(1u << (i % 8));
   unsigned char cur = static_cast<unsigned char>(b[byte]);
   b[byte] = static_cast<char>(v ? (cur | mask) : (cur & ~mask));
