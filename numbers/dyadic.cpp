@@ -33,6 +33,14 @@ uint64_t spreadEven(uint64_t x) {
   return x;
 }
 
+// The low `width` bits of v in reverse order (1 <= width <= 64).
+uint64_t reverseLow(uint64_t v, unsigned width) {
+  v = ((v >> 1) & 0x5555555555555555ull) | ((v & 0x5555555555555555ull) << 1);
+  v = ((v >> 2) & 0x3333333333333333ull) | ((v & 0x3333333333333333ull) << 2);
+  v = ((v >> 4) & 0x0F0F0F0F0F0F0F0Full) | ((v & 0x0F0F0F0F0F0F0F0Full) << 4);
+  return __builtin_bswap64(v) >> (64 - width);
+}
+
 // Normalises to an odd mantissa (or zero with exponent 0).
 Dyadic normalised(Natural mant, int64_t exp) {
   Dyadic d;
@@ -62,6 +70,17 @@ Aligned align(const Dyadic& x, const Dyadic& y) {
 // positions is bit-reversed: with k the last fraction bit, fraction bit i is
 // bit k-i of the mantissa's low k bits.
 Dyadic dyadicFromFixed(const BitString& fixed) {
+  if (fixed.size() <= 8) {
+    // One word: 32 integer bits and 31 fraction bits, so the whole value
+    // times 2^k fits in a word.
+    uint64_t w = 0;
+    std::memcpy(&w, fixed.data(), fixed.size());
+    uint64_t integer = compactEven(w >> 1), fraction = compactEven(w) & ~uint64_t(1);
+    if (fraction == 0) return dyadicOf(w & 1, natOf(integer), 0);
+    unsigned k = 63 - unsigned(__builtin_clzll(fraction));
+    uint64_t low = reverseLow(fraction, k + 1);
+    return dyadicOf(w & 1, natOf((integer << k) | low), -int64_t(k));
+  }
   size_t words = (fixed.size() + 7) / 8;
   std::vector<uint64_t> w(words, 0);
   if (!fixed.empty()) std::memcpy(w.data(), fixed.data(), fixed.size());  // little-endian host
@@ -89,6 +108,28 @@ Dyadic dyadicFromFixed(const BitString& fixed) {
 }
 
 BitString fixedFromDyadic(const Dyadic& d) {
+  if (d.mant.limbs.size() <= 1) {
+    // One word when the integer bits and the fraction bits fit in 32 each.
+    uint64_t m = natLow(d.mant);
+    int64_t len = m ? 64 - __builtin_clzll(m) : 0;
+    uint64_t integer = 0, fraction = 0;
+    bool fits = false;
+    if (m == 0) {
+      fits = true;
+    } else if (d.exp >= 0) {
+      fits = len + d.exp <= 32;
+      if (fits) integer = m << d.exp;
+    } else if (d.exp > -32 && len + d.exp <= 32) {
+      unsigned k = unsigned(-d.exp);
+      fits = true;
+      integer = m >> k;
+      fraction = reverseLow(m & ((uint64_t(1) << k) - 1), k + 1);
+    }
+    if (fits) {
+      uint64_t w = spreadEven(fraction) | (spreadEven(integer) << 1) | (d.plus ? 1 : 0);
+      return bitsOfValue(w);
+    }
+  }
   Natural integer, fraction;
   if (!natIsZero(d.mant)) {
     if (d.exp >= 0) {
