@@ -88,7 +88,7 @@ size_t listLengthUpTo61(const Term& e) {
   return cells + bitLength(bitsFromText(text)) - 1;
 }
 
-// The described loop, on a decimal exponent text: square, multiply by the
+// The power loop on a decimal exponent text: square, multiply by the
 // base when the leading digit is odd, halve, while 1 is less than e.
 Dyadic powerByText(const Dyadic& base, const Term& exponent, std::string e) {
   Dyadic acc = base;

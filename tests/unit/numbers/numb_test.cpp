@@ -1,4 +1,4 @@
-// Binary fraction arithmetic: the described results, the power schedule, the
+// Binary fraction arithmetic: exact results and signs, the power schedule, the
 // order test with its window, the trace lines and the double conversions.
 // Random cases are checked against a bit-by-bit encoding of scaled integers.
 #include <gtest/gtest.h>
@@ -58,7 +58,7 @@ uintmax_t traceSize() {
   return ec ? 0 : n;
 }
 
-TEST(Numb, DescribedSumsProductsAndRemainders) {
+TEST(Numb, SumsProductsAndRemainders) {
   EXPECT_EQ(text(numbPlus(leaf("003"), leaf("002"))), "004");  // 1.5 + 0.5
   EXPECT_EQ(text(numbPlus(leaf("000"), leaf("001"))), "00");   // -1 + 1
   EXPECT_EQ(text(numbDash(leaf("001"), leaf("001"))), "00");   // 1 - 1
