@@ -5,7 +5,10 @@
 // ones are split in halves at a power 10^(19*2^k): from text, the two halves
 // are converted and joined by one (Karatsuba) multiplication; to text, one
 // division by the power gives the high and low halves, and the low half is
-// padded with zeros to its exact width.
+// padded with zeros to its exact width. Divisions by the large powers use
+// each power's reciprocal (Barrett), so a level of the split costs two
+// multiplications instead of a long division; the reciprocal of 10^(19*2^k)
+// is refined from the square of the one below it by one Newton step.
 #include <algorithm>
 
 #include "driver/failure.h"
@@ -31,12 +34,91 @@ Limb chunkValue(std::string_view d) {
   return v;
 }
 
-// 10^(19 * 2^k), computed once per k and kept for the process (one thread).
-const Natural& splitPower(size_t k) {
-  static std::vector<Natural> powers;
-  if (powers.empty()) powers.push_back(natOf(kChunkBase));
-  while (powers.size() <= k) powers.push_back(natMul(powers.back(), powers.back()));
+// Divisors of fewer limbs are divided by Knuth's long division.
+constexpr size_t kBarrettLimbs = 100;
+
+// 10^(19 * 2^k) with its bit length L and, once asked for, its reciprocal
+// floor(2^(2L) / power). Kept for the process (one thread).
+struct SplitPower {
+  Natural power;
+  size_t bits = 0;
+  Natural reciprocal;  // empty until first needed
+};
+
+std::vector<SplitPower>& splitPowers() {
+  static std::vector<SplitPower> powers;
+  return powers;
+}
+
+const SplitPower& splitPowerEntry(size_t k) {
+  std::vector<SplitPower>& powers = splitPowers();
+  if (powers.empty()) powers.push_back({natOf(kChunkBase), 64, {}});
+  while (powers.size() <= k) {
+    Natural next = natMul(powers.back().power, powers.back().power);
+    size_t bits = natBitLength(next);
+    powers.push_back({std::move(next), bits, {}});
+  }
   return powers[k];
+}
+
+const Natural& splitPower(size_t k) { return splitPowerEntry(k).power; }
+
+// floor(2^(2L) / P_k). Small powers divide directly. A large one starts from
+// the square of the reciprocal of P_(k-1) (P_k is that power's square), whose
+// relative error is about 2^(1-L/2); one Newton step X += X(2^2L - P X)/2^2L
+// squares the error, leaving a few units, which the final loop removes.
+const Natural& reciprocalOf(size_t k) {
+  const SplitPower& entry = splitPowerEntry(k);
+  if (!natIsZero(entry.reciprocal)) return entry.reciprocal;
+  const Natural& p = entry.power;
+  size_t twoL = 2 * entry.bits;
+  Natural top = natShiftLeft(natOf(1), twoL);
+  Natural x;
+  if (p.limbs.size() < kBarrettLimbs || k == 0) {
+    natDivide(top, p, &x, nullptr);
+  } else {
+    const Natural& below = reciprocalOf(k - 1);
+    size_t belowBits = splitPowerEntry(k - 1).bits;
+    x = natShiftRight(natMul(below, below), 4 * belowBits - twoL);
+    Natural px = natMul(p, x);
+    if (natCompare(px, top) <= 0) {
+      x = natAdd(x, natShiftRight(natMul(x, natSub(top, px)), twoL));
+    } else {
+      x = natSub(x, natShiftRight(natMul(x, natSub(px, top)), twoL));
+    }
+    // Exact: the largest x with p * x <= 2^(2L).
+    px = natMul(p, x);
+    while (natCompare(px, top) > 0) {
+      x = natSub(x, natOf(1));
+      px = natSub(px, p);
+    }
+    Natural rest = natSub(top, px);
+    while (natCompare(rest, p) >= 0) {
+      x = natAdd(x, natOf(1));
+      rest = natSub(rest, p);
+    }
+  }
+  splitPowers()[k].reciprocal = std::move(x);
+  return splitPowers()[k].reciprocal;
+}
+
+// n = q * P_k + r for n < 2^(2L). Barrett: with m the reciprocal,
+// floor(floor(n / 2^(L-1)) * m / 2^(L+1)) falls short of q by at most 2.
+void divideByPower(const Natural& n, size_t k, Natural* q, Natural* r) {
+  const SplitPower& entry = splitPowerEntry(k);
+  if (entry.power.limbs.size() < kBarrettLimbs) {
+    natDivide(n, entry.power, q, r);
+    return;
+  }
+  const Natural& m = reciprocalOf(k);
+  size_t bits = entry.bits;
+  TARN_ASSERT(natBitLength(n) <= 2 * bits);
+  *q = natShiftRight(natMul(natShiftRight(n, bits - 1), m), bits + 1);
+  *r = natSub(n, natMul(*q, entry.power));
+  while (natCompare(*r, entry.power) >= 0) {
+    *r = natSub(*r, entry.power);
+    *q = natAdd(*q, natOf(1));
+  }
 }
 
 // n = n * m + add, in place.
@@ -112,13 +194,14 @@ void decimalRec(const Natural& n, size_t width, std::string& out) {
     decimalSmall(n, width, out);
     return;
   }
-  // Split at the largest power whose square does not fall short of n, so that
-  // the quotient and remainder are about half of n each.
+  // Split at the smallest power P with n < 2^(2L), L the bit length of P:
+  // n is then at least P, and quotient and remainder are about half of n.
+  size_t bits = natBitLength(n);
   size_t k = 0;
-  while (splitPower(k + 1).limbs.size() * 2 <= n.limbs.size() + 1) k++;
+  while (2 * splitPowerEntry(k).bits < bits) k++;
   size_t lowDigits = kChunkDigits << k;
   Natural q, r;
-  natDivide(n, splitPower(k), &q, &r);
+  divideByPower(n, k, &q, &r);
   if (width) {
     TARN_ASSERT(width >= lowDigits);
     decimalRec(q, width - lowDigits, out);
