@@ -139,6 +139,17 @@ TEST(Bits, LongTextsMatchTheReference) {
   }
 }
 
+// Powers of ten at the split points (long runs of zeros in the low halves)
+// and runs of nines (remainders just below the divisor).
+TEST(Bits, SplitBoundariesRoundTrip) {
+  for (size_t n : {2431, 2432, 2433, 4863, 4864, 9728, 19456, 38912}) {
+    std::string ten = "1" + std::string(n, '0'), nines(n, '9');
+    EXPECT_EQ(textFromBits(bitsFromText(ten)), ten) << n;
+    EXPECT_EQ(textFromBits(bitsFromText(nines)), nines) << n;
+    EXPECT_EQ(natDecimal(natAdd(natFromDecimal(nines), natOf(1))), ten) << n;
+  }
+}
+
 TEST(Bits, HundredThousandDigitsConvertQuickly) {
   std::mt19937_64 rng(11);
   std::string y = randomDigits(rng, 100000);
