@@ -9,9 +9,10 @@
 //
 // Speed: multiplication is schoolbook below a threshold and Karatsuba above
 // it; division is Knuth's long division on limbs. Decimal conversion splits
-// the number in halves by powers 10^(19*2^k) above a threshold and runs a
-// simple limb loop below it, so a number of a hundred thousand digits
-// converts in milliseconds while a short one costs one or two limb steps.
+// the number in halves by powers 10^(19*2^k) above a threshold (dividing by
+// the large powers through their reciprocals) and runs a simple limb loop
+// below it, so a number of a hundred thousand digits converts in tens of
+// milliseconds while a short one costs one or two limb steps.
 #pragma once
 
 #include <cstddef>
