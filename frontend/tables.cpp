@@ -62,21 +62,19 @@ const Term* findGlobal(std::string_view name) {
   return s.value ? &s.value : nullptr;
 }
 
-void setGlobal(std::string_view name, Term value) {
-  GlobalSlot& s = globalSlot(slotOf(name));
-  s.value = std::move(value);
-  s.peeledEpoch = 0;
-  s.body = Term();
+void setSlotValue(GlobalSlot& slot, Term value) {
+  slot.value = std::move(value);
+  slot.version++;
+  slot.body = Term();
 }
+
+void setGlobal(std::string_view name, Term value) { setSlotValue(globalSlot(slotOf(name)), std::move(value)); }
 
 void eraseGlobal(std::string_view name) {
   Tables& t = tables();
   auto it = t.index.find(std::string(name));
   if (it == t.index.end()) return;
-  GlobalSlot& s = t.slots[it->second];
-  s.value = Term();
-  s.peeledEpoch = 0;
-  s.body = Term();
+  setSlotValue(t.slots[it->second], Term());
 }
 
 std::vector<std::string> globalNames() {
@@ -89,9 +87,7 @@ std::vector<std::string> globalNames() {
 
 void clearGlobals() {
   for (GlobalSlot& s : tables().slots) {
-    s.value = Term();
-    s.body = Term();
-    s.peeledEpoch = 0;
+    setSlotValue(s, Term());
     s.callForm = false;
   }
 }

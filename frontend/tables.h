@@ -66,11 +66,12 @@ struct GlobalSlot {
   Term value;               // the definition; null when the name has no entry
   bool callForm = false;    // defined as name()\body: never memoised
   const Builtin* builtin = nullptr;
-  // Leading binders of `value`, peeled once per change: the parameter letters
-  // and the body under them. Valid while `peeledEpoch` equals the memory
-  // epoch and the value is unchanged.
+  uint32_t version = 0;     // advanced whenever `value` changes
+  // The machine's cache of the leading binders of `value`: the parameter
+  // letters and the body under them, valid for one version and memory epoch.
   std::string params;
   Term body;
+  uint32_t peeledVersion = ~0u;
   uint32_t peeledEpoch = 0;
 };
 
@@ -89,6 +90,7 @@ uint32_t slotOfLeaf(const Term& nameLeaf);
 const Term* findGlobal(std::string_view name);
 inline bool hasGlobal(std::string_view name) { return findGlobal(name) != nullptr; }
 void setGlobal(std::string_view name, Term value);
+void setSlotValue(GlobalSlot& slot, Term value);
 void eraseGlobal(std::string_view name);
 // The names that have entries, in byte order.
 std::vector<std::string> globalNames();

@@ -130,6 +130,15 @@ void setElement(const Term& vec, size_t i, Term e);
 // by copying, never through a Term reference.
 inline Term elementOf(const Term& vec, size_t i) { return Term::share(vec.node()->element(i)); }
 
+// A blob leaf: "(", the byte count in alphabet digits, ")", the bytes.
+Term blobLeaf(std::string_view bytes);
+// The payload of a blob leaf (first byte "(").
+std::string_view blobBytes(const Term& blob);
+// A real leaf: a space and the 8 bytes of the double in memory order.
+Term realLeaf(double v);
+// The double of a real leaf; a leaf that is not a real is a fatal assertion.
+double realValue(const Term& r);
+
 // Text length of a leaf by its form (0 for an application). Numbers and
 // bracket literals read `size` when it is set; blobs decode their header.
 size_t leafLength(const Node* n);
