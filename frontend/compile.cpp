@@ -9,6 +9,7 @@
 #include "frontend/compile.h"
 
 #include <string>
+#include <vector>
 
 #include "driver/failure.h"
 #include "frontend/grammar.h"

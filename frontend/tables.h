@@ -77,14 +77,21 @@ struct GlobalSlot {
 
 // The memory epoch: advanced after every builtin that may write memory.
 // Caches keyed on leaf bytes are valid only within one epoch.
-uint32_t memoryEpoch();
-void advanceMemoryEpoch();
+extern uint32_t gMemoryEpoch;
+inline uint32_t memoryEpoch() { return gMemoryEpoch; }
+inline void advanceMemoryEpoch() {
+  if (++gMemoryEpoch == 0) gMemoryEpoch = 1;  // 0 marks "no cache" in a leaf
+}
 
-// The slot of a name, made on first use (without an entry).
-uint32_t slotOf(std::string_view name);
-GlobalSlot& globalSlot(uint32_t index);
-// The slot of a name leaf, through the leaf's cache.
-uint32_t slotOfLeaf(const Term& nameLeaf);
+// The slot of a name, made on first use (without an entry). Slots never move.
+GlobalSlot& slotOf(std::string_view name);
+GlobalSlot& slotOfLeafSlow(const Term& nameLeaf);
+// The slot of a name leaf, through the cache in the leaf's hidden prefix.
+inline GlobalSlot& slotOfLeaf(const Term& nameLeaf) {
+  LeafPrefix* pre = prefixOf(nameLeaf.node());
+  if (pre->cacheEpoch == gMemoryEpoch) [[likely]] return *static_cast<GlobalSlot*>(pre->cacheSlot);
+  return slotOfLeafSlow(nameLeaf);
+}
 
 // The entry of a name, or null.
 const Term* findGlobal(std::string_view name);

@@ -40,7 +40,7 @@ void annotateLeaf(Node* n) {
     n->setTop(kLeafBit | arityTop(1, false));
   } else if (isName(std::string_view(reinterpret_cast<const char*>(s), leafLength(n)))) {
     Term self = Term::share(n);
-    GlobalSlot& slot = globalSlot(slotOfLeaf(self));
+    GlobalSlot& slot = slotOfLeaf(self);
     if (slot.value) {
       n->setTop(kLeafBit | arityTop(countBinders(&slot.value), false));
     } else {

@@ -30,14 +30,17 @@ inline void split(Term&& x, Term& l, Term& r) {
 
 // True when the globals' T still has the law T a b = b a (parameters p q,
 // body (q p)), so that an argument frame can apply a value directly.
+GlobalSlot* swapSlot = nullptr;
+uint32_t swapSeenVersion = ~0u, swapSeenEpoch = 0;
+bool swapHolds = false;
+
 bool swapLawHolds() {
-  static uint32_t slot = slotOf("T");
-  static uint32_t seenVersion = ~0u, seenEpoch = 0;
-  static bool holds = false;
-  GlobalSlot& s = globalSlot(slot);
-  if (s.version == seenVersion && memoryEpoch() == seenEpoch) return holds;
-  seenVersion = s.version;
-  seenEpoch = memoryEpoch();
+  if (!swapSlot) [[unlikely]] swapSlot = &slotOf("T");
+  GlobalSlot& s = *swapSlot;
+  if (s.version == swapSeenVersion && memoryEpoch() == swapSeenEpoch) [[likely]] return swapHolds;
+  bool& holds = swapHolds;
+  swapSeenVersion = s.version;
+  swapSeenEpoch = memoryEpoch();
   holds = false;
   if (!s.value) return false;
   const Term* b = &s.value;
@@ -191,7 +194,7 @@ void contract(Machine& m) {
 
   // Builtins are words; their handlers get the whole application.
   if (head.isLeaf() && isWordByte(c)) {
-    GlobalSlot& slot = globalSlot(slotOfLeaf(head));
+    GlobalSlot& slot = slotOfLeaf(head);
     if (const Builtin* b = slot.builtin) {
       Term r = callBuiltin(*b, x);
       if (b->writesMemory) advanceMemoryEpoch();

@@ -164,7 +164,7 @@ void fireReal(Machine& m, const Term& head, const Term& a1) {
 void fireMemo(Machine& m, const Term& head, const Term& x) {
   std::string_view name = textOf(head).substr(1);
   TARN_ASSERT(isValue(x));
-  GlobalSlot& slot = globalSlot(slotOf(name));
+  GlobalSlot& slot = slotOf(name);
   TARN_ASSERT(slot.value);
   TARN_ASSERT(!slot.callForm);
   // A memoised binder must not read as a definition with parameters.
@@ -183,7 +183,7 @@ void fireUndefined(Machine& m, const Term& a1) {
 // A global name: parameters are substituted by the arguments; a
 // parameterless definition is evaluated once and its value written back.
 void fireGlobal(Machine& m, const Term& head, const Term* const* args, int argc) {
-  GlobalSlot& s = globalSlot(slotOfLeaf(head));
+  GlobalSlot& s = slotOfLeaf(head);
   if (!s.value) {
     endWith(m, leaf("]" + nameOf(head)));
     return;
