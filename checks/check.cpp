@@ -152,7 +152,7 @@ void replaceBody(const std::string& name, Term body) {
   if (!body.same(bodyOf(name))) setGlobal(name, std::move(body));
 }
 
-// Step 4: everything reachable from the main term must be defined. The queue
+// The alive check: everything reachable from the main term must be defined. The queue
 // is visited least name first; a name queued twice keeps its last referrer.
 Report checkAlive() {
   std::map<std::string, std::string> queue;  // name -> referrer
@@ -166,23 +166,26 @@ Report checkAlive() {
     seen.insert(name);
     const Term* body = findGlobal(name);
     if (!body) return aliveReport(referrer, name);
-    for (std::string& ref : globalRefs(*body).names)
+    NameList refs = globalRefs(*body);
+    for (std::string& ref : refs.names)
       if (!seen.count(ref)) queue[std::move(ref)] = name;
   }
   return Report{};
 }
 
-// Steps 5 and 6: a definition that reaches an undefined name, directly or
+// Taint and removal: a definition that reaches an undefined name, directly or
 // through its callees, is removed; a prelude name gets its prelude
 // definition back.
 void removeTainted(const std::vector<std::string>& names) {
   std::map<std::string, std::vector<std::string>> callers;
   std::set<std::string> frontier, tainted;
-  for (const std::string& d : names)
-    for (std::string& ref : globalRefs(bodyOf(d)).names) {
+  for (const std::string& d : names) {
+    NameList refs = globalRefs(bodyOf(d));
+    for (std::string& ref : refs.names) {
       if (!hasGlobal(ref)) frontier.insert(d);
       callers[std::move(ref)].push_back(d);
     }
+  }
   while (!frontier.empty()) {
     std::set<std::string> next;
     for (const std::string& x : frontier) {
