@@ -93,6 +93,22 @@ TEST(Tern, PruningKeepsOnlyValues) {
   EXPECT_EQ(seenTermCount(), 0u);
 }
 
+TEST(Tern, ManyEntriesSurviveErasureOfOthers) {
+  clearSeenTerms();
+  constexpr int kCount = 20000;
+  for (int i = 0; i < kCount; i++) tern(App(W("f"), W(std::to_string(i))));
+  for (int i = 0; i < kCount; i += 3) eraseSeen(App(W("f"), W(std::to_string(i))));
+  int kept = 0;
+  for (int i = 0; i < kCount; i++) {
+    bool seen = isSeen(App(W("f"), W(std::to_string(i))));
+    EXPECT_EQ(seen, i % 3 != 0) << i;
+    kept += seen;
+    EXPECT_TRUE(isSeen(W(std::to_string(i))));
+  }
+  EXPECT_EQ(seenTermCount(), size_t(kept + kCount + 1));  // and the leaf f
+  clearSeenTerms();
+}
+
 TEST(Tern, DeepListsShareAndCompare) {
   runWithLargeStack([] {
     clearSeenTerms();
