@@ -1,8 +1,9 @@
 // Definition passes over raw definition bodies.
 //
-// All walks recurse on the left child and loop on the right where they can,
-// so a long right-leaning list costs no native stack; deep left spines and
-// nested binders recurse (the interpreter runs on a large stack).
+// The read-only walks (funky keys, references, binding occurrences) recurse
+// on the left child and loop on the right, so a long right-leaning list
+// costs them no native stack. The rewriting walks recurse on both children,
+// one small frame per level: the interpreter runs on a large stack.
 #include "checks/passes.h"
 
 #include <algorithm>
