@@ -33,7 +33,7 @@ void* systemAlloc(size_t bytes) {
   return p;
 }
 
-[[gnu::noinline]] void refillAppCells() {
+[[gnu::noinline, maybe_unused]] void refillAppCells() {
   auto* slab = static_cast<unsigned char*>(systemAlloc(kSlabCells * kAppNodeBytes));
   for (size_t i = kSlabCells; i-- > 0;) {
     auto* c = reinterpret_cast<FreeCell*>(slab + i * kAppNodeBytes);
@@ -42,7 +42,7 @@ void* systemAlloc(size_t bytes) {
   }
 }
 
-[[gnu::noinline]] void refillLeafClass(size_t cls) {
+[[gnu::noinline, maybe_unused]] void refillLeafClass(size_t cls) {
   size_t block = cls * kClassStep;
   size_t count = 65536 / block;
   auto* slab = static_cast<unsigned char*>(systemAlloc(count * block));
