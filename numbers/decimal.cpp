@@ -1,0 +1,348 @@
+// The operations on hint texts: signs and edge rules here, magnitudes in the
+// limb kernels. Every operation first tries the machine-word path, since
+// nearly all numbers a program meets are short.
+#include "numbers/decimal.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "driver/failure.h"
+#include "numbers/decimal_limbs.h"
+
+namespace tarn {
+
+namespace {
+
+using u128 = unsigned __int128;
+
+// Magnitudes of up to this many digits are below 10^18 and add, subtract and
+// divide inside int64; two of them multiply inside 128 bits.
+constexpr size_t kSmallDigits = 18;
+
+// A hint text split into its sign and the digits of its magnitude ("0" for
+// zero, which counts as positive, as the operators' sign tests read it).
+struct Hint {
+  bool negative;
+  std::string_view digits;
+  bool isZero() const { return digits.size() == 1 && digits[0] == '0'; }
+  bool isSmall() const { return digits.size() <= kSmallDigits; }
+};
+
+Hint hintOf(std::string_view text) {
+  TARN_ASSERT(isNumberText(text));
+  if (text.size() > 1 && text[0] == '0') return {true, text.substr(1)};
+  return {false, text};
+}
+
+// The value of at most 19 digits (the caller keeps it below 2^64).
+uint64_t smallMagnitude(std::string_view digits) {
+  uint64_t v = 0;
+  for (char c : digits) {
+    unsigned d = unsigned(static_cast<unsigned char>(c)) - '0';
+    TARN_ASSERT(d <= 9);
+    v = v * 10 + d;
+  }
+  return v;
+}
+
+// Digits of v, written backwards ending at `end`; returns the first byte.
+char* writeBackwards(uint64_t v, char* end) {
+  static const char kPairs[] =
+      "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+      "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+      "8081828384858687888990919293949596979899";
+  while (v >= 100) {
+    unsigned pair = unsigned(v % 100);
+    v /= 100;
+    end -= 2;
+    std::memcpy(end, kPairs + 2 * pair, 2);
+  }
+  if (v >= 10) {
+    end -= 2;
+    std::memcpy(end, kPairs + 2 * v, 2);
+  } else {
+    *--end = char('0' + v);
+  }
+  return end;
+}
+
+std::string textOfSmall(bool negative, uint64_t magnitude) {
+  char buf[24];
+  char* end = buf + sizeof buf;
+  char* p = writeBackwards(magnitude, end);
+  if (negative && magnitude != 0) *--p = '0';
+  return std::string(p, size_t(end - p));
+}
+
+std::string textOfWide(bool negative, u128 magnitude) {
+  if (magnitude >> 64 == 0) return textOfSmall(negative, uint64_t(magnitude));
+  // Below 10^38: the low 19 digits, then the rest.
+  constexpr uint64_t kTen19 = 10000000000000000000ull;
+  char buf[48];
+  char* end = buf + sizeof buf;
+  uint64_t low = uint64_t(magnitude % kTen19);
+  char* p = writeBackwards(low, end);
+  while (p > end - 19) *--p = '0';
+  p = writeBackwards(uint64_t(magnitude / kTen19), p);
+  if (negative) *--p = '0';
+  return std::string(p, size_t(end - p));
+}
+
+std::string textOfLimbs(bool negative, const Limb* a, size_t n) {
+  n = natLength(a, n);
+  if (n == 0) return "0";
+  size_t len = digitCount(a, n);
+  std::string s(len + (negative ? 1 : 0), '0');
+  writeDigits(s.data() + (negative ? 1 : 0), a, n);
+  return s;
+}
+
+std::string textOfLimbs(bool negative, const Limbs& a) { return textOfLimbs(negative, a.data(), a.size()); }
+
+Limbs limbsOf(const Hint& h) { return limbsFromDigits(h.digits); }
+
+// Compares two magnitudes given by their digits (no leading zeros).
+int compareDigits(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return a.size() < b.size() ? -1 : 1;
+  int c = std::memcmp(a.data(), b.data(), a.size());
+  return (c > 0) - (c < 0);
+}
+
+// x + y with y's sign given separately (subtraction flips it).
+std::string addSigned(const Hint& x, bool yNegative, std::string_view yDigits) {
+  Hint y{yNegative, yDigits};
+  if (y.isZero()) y.negative = false;
+  if (x.isSmall() && y.isSmall()) {
+    int64_t a = int64_t(smallMagnitude(x.digits)), b = int64_t(smallMagnitude(y.digits));
+    int64_t s = (x.negative ? -a : a) + (y.negative ? -b : b);  // |s| < 2 * 10^18
+    return smallHintText(s);
+  }
+  Limbs a = limbsOf(x), b = limbsOf(y);
+  if (x.negative == y.negative) {
+    // Same signs: the magnitudes add, the sign stays.
+    const Limbs& big = a.size() >= b.size() ? a : b;
+    const Limbs& small = a.size() >= b.size() ? b : a;
+    Limbs sum(big.size() + 1);
+    sum[big.size()] = natAdd(sum.data(), big.data(), big.size(), small.data(), small.size());
+    return textOfLimbs(x.negative, sum);
+  }
+  // Opposite signs: the smaller magnitude comes off the larger, whose sign
+  // wins; equal magnitudes give zero.
+  int c = natCompare(a.data(), a.size(), b.data(), b.size());
+  if (c == 0) return "0";
+  const Limbs& big = c > 0 ? a : b;
+  const Limbs& small = c > 0 ? b : a;
+  Limbs diff(big.size());
+  natSub(diff.data(), big.data(), big.size(), small.data(), small.size());
+  return textOfLimbs(c > 0 ? x.negative : y.negative, diff);
+}
+
+// Magnitude quotient and remainder, with the rounding and remainder rules of
+// the two operators applied by the callers.
+struct Division {
+  bool small;
+  uint64_t q, r;    // when small
+  Limbs ql, rl;     // otherwise
+};
+
+Division divideMagnitudes(const Hint& x, const Hint& y) {
+  Division d{};
+  if (x.isSmall() && y.isSmall()) {
+    uint64_t a = smallMagnitude(x.digits), b = smallMagnitude(y.digits);
+    d.small = true;
+    d.q = a / b;
+    d.r = a % b;
+    return d;
+  }
+  Limbs a = limbsOf(x), b = limbsOf(y);
+  natDivMod(a.data(), a.size(), b.data(), b.size(), &d.ql, &d.rl);
+  return d;
+}
+
+// Floor quotient: the magnitude rounds up when the signs differ and the
+// division leaves a remainder; the result is negative when the signs differ.
+std::string overFrom(const Hint& x, const Hint& y, Division& d) {
+  bool differ = x.negative != y.negative;
+  if (d.small) return textOfSmall(differ, d.q + (differ && d.r != 0 ? 1 : 0));
+  if (differ && !d.rl.empty()) {
+    size_t n = d.ql.size();
+    d.ql.resize(n + 1);
+    d.ql[n] = 0;
+    Limb one = 1;
+    natAdd(d.ql.data(), d.ql.data(), n + 1, &one, 1);
+  }
+  return textOfLimbs(differ, d.ql);
+}
+
+// Never-negative remainder: r for equal signs, |y| - r for differing signs
+// (0 when r is 0).
+std::string centFrom(const Hint& x, const Hint& y, const Division& d) {
+  bool differ = x.negative != y.negative;
+  if (d.small) {
+    if (!differ || d.r == 0) return textOfSmall(false, d.r);
+    return textOfSmall(false, smallMagnitude(y.digits) - d.r);
+  }
+  if (!differ || d.rl.empty()) return textOfLimbs(false, d.rl);
+  Limbs b = limbsOf(y);
+  natSub(b.data(), b.data(), b.size(), d.rl.data(), d.rl.size());
+  return textOfLimbs(false, b);
+}
+
+// A power of more than 10^13 digits cannot be held by any memory.
+constexpr double kMaxPowerLog10 = 13;
+
+// log10 of a magnitude, from its leading digits and its length.
+double approxLog10(std::string_view digits) {
+  size_t lead = digits.size() < 17 ? digits.size() : 17;
+  return std::log10(double(smallMagnitude(digits.substr(0, lead)))) + double(digits.size() - lead);
+}
+
+}  // namespace
+
+bool isNumberText(std::string_view text) {
+  if (text.empty()) return false;
+  unsigned char c = static_cast<unsigned char>(text[0]);
+  if (c >= '1' && c <= '9') return true;
+  return c == '0' && (text.size() == 1 || text[1] != '0');
+}
+
+bool smallHintValue(std::string_view text, int64_t& value) {
+  Hint h = hintOf(text);
+  if (h.digits.size() > 19) return false;
+  if (h.digits.size() == 19) {
+    // 19 digits fit when at most 2^63 - 1 (2^63 for a negative value).
+    int c = compareDigits(h.digits, h.negative ? "9223372036854775808" : "9223372036854775807");
+    if (c > 0) return false;
+  }
+  uint64_t m = smallMagnitude(h.digits);
+  value = h.negative ? int64_t(0 - m) : int64_t(m);
+  return true;
+}
+
+size_t writeSmallHint(int64_t v, char* out) {
+  char buf[24];
+  char* end = buf + sizeof buf;
+  uint64_t m = v < 0 ? 0 - uint64_t(v) : uint64_t(v);
+  char* p = writeBackwards(m, end);
+  if (v < 0) *--p = '0';
+  size_t n = size_t(end - p);
+  std::memcpy(out, p, n);
+  return n;
+}
+
+std::string smallHintText(int64_t v) {
+  char buf[24];
+  return std::string(buf, writeSmallHint(v, buf));
+}
+
+std::string hintAddText(std::string_view x, std::string_view y) {
+  Hint b = hintOf(y);
+  return addSigned(hintOf(x), b.negative, b.digits);
+}
+
+std::string hintSubText(std::string_view x, std::string_view y) {
+  Hint b = hintOf(y);
+  return addSigned(hintOf(x), !b.negative, b.digits);
+}
+
+std::string hintMulText(std::string_view x, std::string_view y) {
+  Hint a = hintOf(x), b = hintOf(y);
+  if (a.isZero() || b.isZero()) return "0";
+  bool negative = a.negative != b.negative;
+  if (a.isSmall() && b.isSmall()) {
+    u128 p = u128(smallMagnitude(a.digits)) * smallMagnitude(b.digits);
+    return textOfWide(negative, p);
+  }
+  // One factor of a single limb: a linear pass over the other.
+  if (b.digits.size() > a.digits.size()) std::swap(a, b);
+  if (b.digits.size() <= size_t(kLimbDigits)) {
+    Limbs m = limbsOf(a);
+    size_t n = m.size();
+    m.resize(n + 1);
+    m[n] = natMulSmall(m.data(), m.data(), n, Limb(smallMagnitude(b.digits)));
+    return textOfLimbs(negative, m);
+  }
+  return textOfLimbs(negative, mulLimbs(limbsOf(a), limbsOf(b)));
+}
+
+bool hintOverText(std::string_view x, std::string_view y, std::string& quotient) {
+  Hint a = hintOf(x), b = hintOf(y);
+  if (b.isZero()) return false;
+  Division d = divideMagnitudes(a, b);
+  quotient = overFrom(a, b, d);
+  return true;
+}
+
+bool hintCentText(std::string_view x, std::string_view y, std::string& remainder) {
+  Hint a = hintOf(x), b = hintOf(y);
+  if (b.isZero()) return false;
+  Division d = divideMagnitudes(a, b);
+  remainder = centFrom(a, b, d);
+  return true;
+}
+
+bool hintOverCentText(std::string_view x, std::string_view y, std::string& quotient,
+                      std::string& remainder) {
+  Hint a = hintOf(x), b = hintOf(y);
+  if (b.isZero()) return false;
+  Division d = divideMagnitudes(a, b);
+  remainder = centFrom(a, b, d);
+  quotient = overFrom(a, b, d);
+  return true;
+}
+
+std::string hintPowaText(std::string_view base, std::string_view exponent) {
+  Hint b = hintOf(base), e = hintOf(exponent);
+  // x^-n is 0 for every x, x^0 is 1 for every x (0 too).
+  if (e.negative) return "0";
+  if (e.isZero()) return "1";
+  bool odd = (e.digits.back() - '0') % 2 == 1;
+  bool negative = b.negative && odd;
+  if (b.isZero()) return "0";
+  if (b.digits == "1") return negative ? "01" : "1";
+  // Trailing zeros of the base come out as zeros appended to the power of
+  // the rest: (m 10^z)^e = m^e 10^(z e).
+  size_t zeros = 0;
+  std::string_view m = b.digits;
+  while (m.back() == '0') m.remove_suffix(1), zeros++;
+  double logDigits = approxLog10(e.digits) + std::log10(approxLog10(m) + double(zeros));
+  if (logDigits > kMaxPowerLog10) TARN_FAIL();  // no memory could hold the result
+  uint64_t n = smallMagnitude(e.digits);  // below 10^13 here
+  std::string text;
+  if (m == "1") {
+    text = negative ? "01" : "1";
+  } else {
+    Limbs r = powLimbs(limbsFromDigits(m), n);
+    text = textOfLimbs(negative, r);
+  }
+  text.append(zeros * n, '0');
+  return text;
+}
+
+std::string hintHalfText(std::string_view x) {
+  Hint h = hintOf(x);
+  if (h.isSmall()) return textOfSmall(h.negative, smallMagnitude(h.digits) / 2);
+  Limbs a = limbsOf(h);
+  natDivSmall(a.data(), a.data(), a.size(), 2);
+  return textOfLimbs(h.negative, a);
+}
+
+std::string hintOppositeText(std::string_view x) {
+  Hint h = hintOf(x);
+  if (h.isZero()) return "0";
+  if (h.negative) return std::string(h.digits);
+  std::string s;
+  s.reserve(x.size() + 1);
+  s.push_back('0');
+  s.append(x);
+  return s;
+}
+
+int hintCompareText(std::string_view x, std::string_view y) {
+  Hint a = hintOf(x), b = hintOf(y);
+  if (a.negative != b.negative) return a.negative ? -1 : 1;
+  int c = compareDigits(a.digits, b.digits);
+  return a.negative ? -c : c;
+}
+
+}  // namespace tarn
