@@ -256,7 +256,7 @@ std::string hintMulText(std::string_view x, std::string_view y) {
   // One factor of a single limb: a linear pass over the other.
   if (b.digits.size() > a.digits.size()) std::swap(a, b);
   if (b.digits.size() <= size_t(kLimbDigits)) {
-    Limbs m = limbsOf(a);
+    Limbs m = limbsFromDigits(a.digits, 1);
     size_t n = m.size();
     m.resize(n + 1);
     m[n] = natMulSmall(m.data(), m.data(), n, Limb(smallMagnitude(b.digits)));

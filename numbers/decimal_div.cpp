@@ -235,8 +235,9 @@ void divNewtonBlocks(const Limb* a, size_t na, const Limb* b, size_t nb, Limbs* 
 
 // A quotient of qlen limbs, shorter than the divisor by two limbs or more:
 // the top 2 qlen limbs of a divided by the top qlen + 1 limbs of b give an
-// estimate within one below and two above the quotient; the exact remainder
-// settles it.
+// estimate Q'. Truncating a and b by the same t limbs keeps a' >= Q b', so
+// Q' is never below the quotient Q, and since b' has qlen + 1 limbs while
+// Q < B^qlen, it is at most two above; the exact product settles it.
 void divShortQuotient(const Limb* a, size_t na, const Limb* b, size_t nb, Limbs* q, Limbs* r) {
   const size_t qlen = na - nb + 1, drop = nb - qlen - 1;
   Limbs qe, unused;
@@ -245,16 +246,12 @@ void divShortQuotient(const Limb* a, size_t na, const Limb* b, size_t nb, Limbs*
   Limbs p = mulLimbs(qe, bb);
   Limbs aa = copyTrimmed(a, na);
   for (int k = 0; isLess(aa, p); k++) {
-    TARN_ASSERT(k < 3);
+    TARN_ASSERT(k < 2);
     subInPlace(p, bb);
     decrement(qe);
   }
   subInPlace(aa, p);
-  for (int k = 0; !isLess(aa, bb); k++) {
-    TARN_ASSERT(k < 2);
-    subInPlace(aa, bb);
-    increment(qe);
-  }
+  TARN_ASSERT(isLess(aa, bb));
   *q = std::move(qe);
   *r = std::move(aa);
 }

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "driver/failure.h"
+#include "numbers/decimal_simd.h"
 
 namespace tarn {
 
@@ -102,11 +103,12 @@ inline int digitsOfLimb(Limb x) {
 
 }  // namespace
 
-Limbs limbsFromDigits(std::string_view digits) {
+Limbs limbsFromDigits(std::string_view digits, size_t spare) {
   size_t len = digits.size();
-  if (len == 0) return Limbs();
   size_t n = (len + kLimbDigits - 1) / kLimbDigits;
-  Limbs r(n);
+  Limbs r(n + spare);
+  r.resize(n);
+  if (len == 0) return r;
   const char* p = digits.data();
   // The top limb takes the 1 to 8 leading digits.
   size_t top = len - kLimbDigits * (n - 1);
@@ -117,9 +119,18 @@ Limbs limbsFromDigits(std::string_view digits) {
     v = v * 10 + d;
   }
   r[n - 1] = v;
+  // The other limbs take eight digits each, four at a time when the vector
+  // kernels are there.
   uint64_t bad = 0;
   const char* q = p + top;
-  for (size_t i = n - 1; i-- > 0; q += kLimbDigits) r[i] = parse8(q, bad);
+  size_t i = n - 1;
+  if (cpuHasAvx2() && i >= 4) {
+    size_t groups = i / 4;
+    if (!parseChunksAvx2(q, groups, r.data() + i)) bad = 1;
+    q += 32 * groups;
+    i -= 4 * groups;
+  }
+  for (; i-- > 0; q += kLimbDigits) r[i] = parse8(q, bad);
   TARN_ASSERT(bad == 0);
   r.trim();
   return r;
@@ -142,7 +153,14 @@ void writeDigits(char* out, const Limb* a, size_t n) {
   int d = digitsOfLimb(a[n - 1]);
   std::memcpy(out, top + 8 - d, size_t(d));
   out += d;
-  for (size_t i = n - 1; i-- > 0; out += kLimbDigits) write8(out, a[i]);
+  size_t i = n - 1;
+  if (cpuHasAvx2() && i >= 4) {
+    size_t groups = i / 4;
+    writeChunksAvx2(out, a + i, groups);
+    out += 32 * groups;
+    i -= 4 * groups;
+  }
+  for (; i-- > 0; out += kLimbDigits) write8(out, a[i]);
 }
 
 // ---- Linear kernels -------------------------------------------------------------
@@ -198,19 +216,29 @@ Limb natSub(Limb* r, const Limb* a, size_t na, const Limb* b, size_t nb) {
 
 Limb natMulSmall(Limb* r, const Limb* a, size_t n, Limb m) {
   TARN_ASSERT(m < kLimbBase);
-  // Each product splits into a high and a low limb independently of the
-  // others; only the 0/1 carry of adding the previous high limb runs along
-  // the array, which keeps the loop free of a long dependency chain.
-  Limb prevHigh = 0, carry = 0;
-  for (size_t i = 0; i < n; i++) {
-    uint64_t p = uint64_t(a[i]) * m;
-    Limb high = Limb(p / kLimbBase);
-    Limb s = Limb(p - uint64_t(high) * kLimbBase) + prevHigh + carry;  // below 2 * 10^8
-    carry = s >= kLimbBase;
-    r[i] = carry ? s - kLimbBase : s;
-    prevHigh = high;
+  uint64_t carry = 0;
+  size_t i = 0;
+  if (m < (1u << 21) && n >= 8 && cpuHasAvx2()) {
+    size_t groups = n / 4;
+    bool full = false;
+    carry = mulSmallAvx2(r, a, groups, m, 0, full);
+    i = 4 * groups;
+    if (full) [[unlikely]] {
+      // Limbs of exactly 10^8 carry into the next one up.
+      for (size_t k = 0; k < i; k++) {
+        if (r[k] != kLimbBase) continue;
+        r[k] = 0;
+        if (k + 1 < i) r[k + 1]++;
+        else carry++;
+      }
+    }
   }
-  return prevHigh + carry;  // high < m <= 10^8 - 1, so this stays a limb
+  for (; i < n; i++) {
+    uint64_t t = uint64_t(a[i]) * m + carry;  // below 10^16
+    carry = t / kLimbBase;
+    r[i] = Limb(t - carry * kLimbBase);
+  }
+  return Limb(carry);  // below m
 }
 
 Limb natDivSmall(Limb* q, const Limb* a, size_t n, Limb d) {

@@ -58,9 +58,10 @@ class Limbs {
 };
 
 // ---- Text ---------------------------------------------------------------------
-// Digits, most significant first, to a normalized magnitude. A leading zero
-// digit is allowed; a byte that is no digit is a fatal assertion.
-Limbs limbsFromDigits(std::string_view digits);
+// Digits, most significant first, to a normalized magnitude, with room for
+// `spare` more limbs. A leading zero digit is allowed; a byte that is no
+// digit is a fatal assertion.
+Limbs limbsFromDigits(std::string_view digits, size_t spare = 0);
 // Number of decimal digits of a normalized magnitude (1 for zero).
 size_t digitCount(const Limb* a, size_t n);
 // Writes exactly digitCount(a, n) digits, most significant first ("0" for

@@ -12,6 +12,7 @@
 
 #include "numbers/decimal.h"
 #include "numbers/decimal_limbs.h"
+#include "numbers/decimal_simd.h"
 
 namespace tarn {
 namespace {
@@ -309,6 +310,50 @@ TEST(DecimalRandom, ShortOperandsAllOperations) {
   }
 }
 
+// Runs a block with the vector kernels off, so the scalar text conversion
+// and small products are checked on machines that have the vector ones.
+class ScalarKernels {
+ public:
+  ScalarKernels() { useVectorKernels(false); }
+  ~ScalarKernels() { useVectorKernels(true); }
+};
+
+TEST(DecimalRandom, ScalarAndVectorKernelsAgree) {
+  Operands gen(8);
+  for (int i = 0; i < 600 / kScale; i++) {
+    // Lengths around the groups of 32 digits and the one-limb factors.
+    std::string x = gen.hint(1 + gen.below(300)), y = gen.hint(1 + gen.below(i % 2 ? 8 : 120));
+    std::string sum = hintAddText(x, y), prod = hintMulText(x, y), q, r;
+    bool divides = hintOverCentText(x, y, q, r);
+    {
+      ScalarKernels scalar;
+      EXPECT_EQ(hintAddText(x, y), sum);
+      EXPECT_EQ(hintMulText(x, y), prod);
+      std::string q2, r2;
+      EXPECT_EQ(hintOverCentText(x, y, q2, r2), divides);
+      EXPECT_EQ(q2, q);
+      EXPECT_EQ(r2, r);
+    }
+    EXPECT_EQ(prod, refMult(x, y));
+  }
+}
+
+TEST(DecimalRandom, SmallFactorCarryChains) {
+  // Limbs (low to high) 50000000, 33333333, 33333333 times 3: the middle sum
+  // reaches 10^8 and the top one is 10^8 - 1 when that carry arrives, so a
+  // carry runs through two limbs. Repeated at every offset within a group.
+  for (size_t offset = 0; offset < 8; offset++) {
+    std::string x = "1";
+    for (int k = 0; k < 12; k++) x += "3333333333333333" "50000000" + std::string(8 * offset, '7');
+    for (const char* m : {"3", "03", "6"}) {
+      SCOPED_TRACE(std::to_string(offset) + " " + m);
+      EXPECT_EQ(hintMulText(x, m), refMult(x, m));
+      ScalarKernels scalar;
+      EXPECT_EQ(hintMulText(x, m), refMult(x, m));
+    }
+  }
+}
+
 TEST(DecimalRandom, MediumOperandsAcrossCutOvers) {
   // Karatsuba from 40 limbs (320 digits); Newton division when divisor and
   // quotient both reach 150 limbs (1200 digits).
@@ -437,6 +482,41 @@ TEST(DecimalAlgorithms, DivisionsAgree) {
     a.trim();
     natDivMod(a.data(), a.size(), b.data(), b.size(), &q, &r);
     expectDivision(a, b, q, r);
+  }
+}
+
+TEST(DecimalAlgorithms, ShortQuotientEstimates) {
+  // A quotient shorter than the divisor is estimated from truncated operands.
+  // A divisor whose dropped limbs are all 99999999 makes the truncated
+  // divisor smallest against the true one, so the estimate overshoots most.
+  Operands gen(7);
+  const size_t sizes[][2] = {{700, 160}, {900, 300}, {400, 152}};
+  for (auto [nb, qlen] : sizes) {
+    for (int round = 0; round < 6 / kScale + 1; round++) {
+      Limbs b(nb);
+      for (size_t i = 0; i < nb; i++) b[i] = kLimbBase - 1;
+      b[nb - 1] = Limb(1 + gen.below(3));
+      if (round % 2) b[nb - 2] = Limb(gen.below(kLimbBase));
+      Limbs m = gen.limbs(qlen);
+      for (size_t i = qlen - 3; i < qlen; i++) m[i] = kLimbBase - 1 - Limb(gen.below(2));
+      Limbs a = product(natMul, b, m);
+      // Plus a remainder: none, the largest, or a random one.
+      Limbs extra = round % 3 == 0 ? Limbs() : round % 3 == 1 ? Limbs(b.data(), nb) : gen.limbs(nb - 1);
+      if (round % 3 == 1) {
+        Limb one = 1;
+        natSub(extra.data(), extra.data(), extra.size(), &one, 1);
+      }
+      a.resize(a.size() + 1);
+      a[a.size() - 1] = 0;
+      natAdd(a.data(), a.data(), a.size(), extra.data(), extra.size());
+      a.trim();
+      Limbs q, r, qk, rk;
+      natDivMod(a.data(), a.size(), b.data(), nb, &q, &r);
+      natDivModKnuth(a.data(), a.size(), b.data(), nb, &qk, &rk);
+      EXPECT_TRUE(same(q, m));
+      EXPECT_TRUE(same(q, qk) && same(r, rk));
+      expectDivision(a, b, q, r);
+    }
   }
 }
 

@@ -1,0 +1,32 @@
+// Vector kernels for the decimal limbs (AVX2), chosen at run time.
+//
+// Contract: call a kernel only when `cpuHasAvx2()` is true; the scalar code in
+// decimal_limbs.cpp is the fallback and gives the same results. Chunks are
+// eight digits, most significant first, and chunk j of a text pairs with the
+// limb `limbsEnd[-1 - j]`: the text runs from the top limb down. Kernels work
+// on groups of four chunks; callers do any rest with the scalar code.
+#pragma once
+
+#include <cstddef>
+
+#include "numbers/decimal_limbs.h"
+
+namespace tarn {
+
+bool cpuHasAvx2();  // AVX2 and FMA, unless switched off
+// Switches the vector kernels off (or back on where the processor has them),
+// so that tests can run the scalar code on the same machine.
+void useVectorKernels(bool on);
+
+// Reads 4 * groups chunks. Returns false when a byte is no digit (the limbs
+// are then meaningless).
+bool parseChunksAvx2(const char* text, size_t groups, Limb* limbsEnd);
+// Writes 4 * groups chunks.
+void writeChunksAvx2(char* text, const Limb* limbsEnd, size_t groups);
+
+// r[0, 4 groups) = a * m + carry, m below 2^21, carry at most m (limbs in
+// their usual order), and the carry out of the top. A limb may come out as
+// exactly 10^8 (`full` is then set): the caller carries those on. r may be a.
+uint64_t mulSmallAvx2(Limb* r, const Limb* a, size_t groups, Limb m, uint64_t carry, bool& full);
+
+}  // namespace tarn
