@@ -93,9 +93,12 @@ void natMulKaratsuba(Limb* r, const Limb* a, size_t na, const Limb* b, size_t nb
 void natMulNtt(Limb* r, const Limb* a, size_t na, const Limb* b, size_t nb);
 void natSqrNtt(Limb* r, const Limb* a, size_t n);
 
-// Size cut-overs, in limbs of the shorter operand.
+// Size cut-overs, in limbs of the shorter operand. The transform takes over
+// much earlier when the vector kernels are there.
 inline constexpr size_t kKaratsubaMinLimbs = 40;
-inline constexpr size_t kNttMinLimbs = 700;
+inline constexpr size_t kNttMinLimbsVector = 160;
+inline constexpr size_t kNttMinLimbsScalar = 700;
+size_t nttMinLimbs();
 
 // ---- Division ---------------------------------------------------------------
 // Floor division of magnitudes: a = q * b + r with 0 <= r < b. b must be

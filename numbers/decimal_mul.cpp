@@ -8,6 +8,7 @@
 
 #include "driver/failure.h"
 #include "numbers/decimal_limbs.h"
+#include "numbers/decimal_simd.h"
 
 namespace tarn {
 
@@ -119,6 +120,8 @@ void karatsuba(Limb* r, const Limb* a, const Limb* b, size_t n, Limb* ws) {
 
 }  // namespace
 
+size_t nttMinLimbs() { return cpuHasAvx2() ? kNttMinLimbsVector : kNttMinLimbsScalar; }
+
 void natMulSchoolbook(Limb* r, const Limb* a, size_t na, const Limb* b, size_t nb) {
   if (na < nb) std::swap(a, b), std::swap(na, nb);
   zeroLimbs(r, na + nb);
@@ -176,7 +179,7 @@ void natMul(Limb* r, const Limb* a, size_t na, const Limb* b, size_t nb) {
     return;
   }
   if (nb < kKaratsubaMinLimbs) mulColumns(r, a, na, b, nb);
-  else if (nb < kNttMinLimbs) natMulKaratsuba(r, a, na, b, nb);
+  else if (nb < nttMinLimbs()) natMulKaratsuba(r, a, na, b, nb);
   else natMulNtt(r, a, na, b, nb);
 }
 
@@ -187,7 +190,7 @@ void natSqr(Limb* r, const Limb* a, size_t n) {
   if (n == 0) return;
   if (n < kKaratsubaMinLimbs) {
     sqrColumns(r, a, n);
-  } else if (n < kNttMinLimbs) {
+  } else if (n < nttMinLimbs()) {
     Limbs ws(karatsubaScratch(n));
     karatsuba<true>(r, a, a, n, ws.data());
   } else {

@@ -29,4 +29,9 @@ void writeChunksAvx2(char* text, const Limb* limbsEnd, size_t groups);
 // exactly 10^8 (`full` is then set): the caller carries those on. r may be a.
 uint64_t mulSmallAvx2(Limb* r, const Limb* a, size_t groups, Limb m, uint64_t carry, bool& full);
 
+// r[0, na + nb) = a * b (or a * a when square, b being a) by the transform
+// with three 30-bit primes; for na + nb - 1 up to 2^24 (`nttAvx2Fits`).
+bool nttAvx2Fits(size_t na, size_t nb);
+void mulNttAvx2(Limb* r, const Limb* a, size_t na, const Limb* b, size_t nb, bool square);
+
 }  // namespace tarn

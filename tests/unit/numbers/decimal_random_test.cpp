@@ -374,7 +374,8 @@ TEST(DecimalRandom, MediumOperandsAcrossCutOvers) {
 }
 
 TEST(DecimalRandom, LongProductsThroughText) {
-  // The transform takes over at 700 limbs (5600 digits).
+  // The transform takes over at 160 limbs (1280 digits) with the vector
+  // kernels, at 700 limbs (5600 digits) without.
   Operands gen(3);
   for (int i = 0; i < 3; i++) {
     size_t lx = (6000 + gen.below(1000)) / kScale, ly = (5700 + gen.below(2000)) / kScale;
@@ -419,22 +420,31 @@ bool same(const Limbs& a, const Limbs& b) {
 
 TEST(DecimalAlgorithms, ProductsAgree) {
   Operands gen(5);
-  const size_t sizes[][2] = {{1, 1},     {39, 39},     {40, 40},   {41, 17},   {80, 80},
-                             {81, 80},   {150, 40},    {699, 699}, {700, 700}, {701, 3},
-                             {1000, 999}, {1500, 1499}, {2100, 700}, {3000, 2900}, {5000, 60}};
+  const size_t sizes[][2] = {{1, 1},     {39, 39},    {40, 40},     {41, 17},    {80, 80},
+                             {81, 80},   {150, 40},   {159, 159},   {160, 160},  {161, 5},
+                             {699, 699}, {700, 700},  {701, 3},     {1000, 999}, {1500, 1499},
+                             {2100, 700}, {3000, 2900}, {5000, 60}, {8, 8}};
   for (auto [na, nb] : sizes) {
     if (kScale > 1 && na > 1600) continue;
     SCOPED_TRACE(std::to_string(na) + "x" + std::to_string(nb));
     Limbs a = gen.limbs(na), b = gen.limbs(nb);
     Limbs school = product(natMulSchoolbook, a, b);
     EXPECT_TRUE(same(school, product(natMulKaratsuba, a, b)));
-    EXPECT_TRUE(same(school, product(natMulNtt, a, b)));
-    EXPECT_TRUE(same(school, product(natMul, a, b)));
-    Limbs sq(2 * na), sqRef(2 * na);
-    natSqr(sq.data(), a.data(), na);
+    Limbs sqRef(2 * na);
     natMulSchoolbook(sqRef.data(), a.data(), na, a.data(), na);
-    sq.trim(), sqRef.trim();
-    EXPECT_TRUE(same(sq, sqRef));
+    sqRef.trim();
+    // Both transforms (three 30-bit primes in vectors, two 62-bit primes).
+    for (bool vector : {true, false}) {
+      useVectorKernels(vector);
+      EXPECT_TRUE(same(school, product(natMulNtt, a, b))) << vector;
+      EXPECT_TRUE(same(school, product(natMul, a, b))) << vector;
+      Limbs sq(2 * na), sqNtt(2 * na);
+      natSqr(sq.data(), a.data(), na);
+      natSqrNtt(sqNtt.data(), a.data(), na);
+      sq.trim(), sqNtt.trim();
+      EXPECT_TRUE(same(sq, sqRef) && same(sqNtt, sqRef)) << vector;
+    }
+    useVectorKernels(true);
   }
 }
 
