@@ -163,6 +163,21 @@ void writeDigits(char* out, const Limb* a, size_t n) {
   for (; i-- > 0; out += kLimbDigits) write8(out, a[i]);
 }
 
+std::string limbsDump(const Limb* a, size_t n) {
+  std::string s = "[" + std::to_string(n) + " limbs]";
+  char buf[9] = {};
+  for (size_t k = n; k-- > 0;) {
+    if (n > 8 && k == n - 5) {
+      s += " ...";
+      k = 4;
+    }
+    write8(buf, a[k]);
+    s += k + 1 == n ? " " : "|";
+    s += buf;
+  }
+  return s;
+}
+
 // ---- Linear kernels -------------------------------------------------------------
 
 size_t natLength(const Limb* a, size_t n) {

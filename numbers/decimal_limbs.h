@@ -16,6 +16,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace tarn {
@@ -67,6 +68,11 @@ size_t digitCount(const Limb* a, size_t n);
 // Writes exactly digitCount(a, n) digits, most significant first ("0" for
 // zero). `out` must have room for them.
 void writeDigits(char* out, const Limb* a, size_t n);
+
+// A debugging dump: the limb count, then the limbs from the top, eight
+// digits each, separated by "|"; long arrays show their first and last four
+// limbs around "...". For test messages.
+std::string limbsDump(const Limb* a, size_t n);
 
 // ---- Linear kernels -------------------------------------------------------------
 size_t natLength(const Limb* a, size_t n);  // length without zero top limbs
