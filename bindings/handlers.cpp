@@ -1,13 +1,16 @@
-// The builtin handlers of this folder, bound by name into the builtin table.
+// The builtin handlers of the host bindings, bound by name into the builtin
+// table.
+#include "bindings/handlers.h"
+
 #include "frontend/tables.h"
 
 namespace tarn {
 
 std::span<const HandlerBinding> bindingHandlers() {
   static const HandlerBinding bindings[] = {
-      {"", nullptr},  // placeholder until the first handler lands
+      {"puts", handlePuts},
   };
-  return std::span<const HandlerBinding>(bindings, 0);
+  return bindings;
 }
 
 }  // namespace tarn

@@ -1,40 +1,145 @@
-// Placeholder run sequence until the driver lands: usage text only.
+// The run sequence: usage, the start report, reading the program file, the
+// four stages, and the exit status.
+//
+// Streams are not interchangeable here: "Error.\n" goes to the output stream,
+// everything else the driver prints goes to the error stream. On Linux there
+// is no binary mode to switch on and no socket layer to start: files are
+// never translated, and sockets need no start-up.
 #include "driver/driver.h"
 
-#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 
+#include "checks/run.h"
 #include "driver/failure.h"
+#include "driver/report.h"
+#include "frontend/compile.h"
+#include "numbers/model.h"
 
 namespace tarn {
 
 std::time_t startTime;
 
-void appendFile(const char* path, std::string_view text) {
-  FILE* f = std::fopen(path, "a");
-  if (f) {
-    int fd = fileno(f);
-    size_t done = 0;
-    while (done < text.size()) {
-      ssize_t n = ::write(fd, text.data() + done, text.size() - done);
-      if (n <= 0) break;
-      done += size_t(n);
-    }
-  }
-  TARN_ASSERT(f == nullptr || std::fclose(f) == 0);
+namespace {
+
+constexpr int32_t kFailedStatus = int32_t(0x80000000u);
+
+void printUsage() {
+  std::fputs(
+      "\\/\\oh usage     /\\   /  \\\n"
+      "/\\uck_______/\\_/  \\_/    \\_\n"
+      "<say>tarn file args...\n",
+      stderr);
 }
 
+// The program file must open for reading. A directory opens on Linux but
+// holds no program, and on the original host it does not open: it counts as
+// unreadable.
+bool programFileOpens(const char* path) {
+  FILE* f = std::fopen(path, "r");
+  if (!f) return false;
+  struct stat st;
+  bool directory = fstat(fileno(f), &st) == 0 && S_ISDIR(st.st_mode);
+  std::fclose(f);
+  return !directory;
+}
+
+void printStartReport(const char* path) {
+  std::fputs("Error.\n", stdout);
+  std::fflush(stdout);
+  std::string text = " Type: Start\n Name: \"";
+  text += escapedPath(path);
+  text += "\"\nCould not read program file.\n\\/\n";
+  std::fputs(text.c_str(), stderr);
+}
+
+// Failure path shared by every stage: reset the colours, then the banner.
+int32_t fail(const Report& report) {
+  std::string text = "\033[m";
+  text += banner(report);
+  std::fwrite(text.data(), 1, text.size(), stderr);
+  return kFailedStatus;
+}
+
+}  // namespace
+
 int32_t runDriver(int argc, char** argv) {
-  (void)argv;
-  startTime = std::time(nullptr);
-  if (argc <= 1) {
-    std::fputs("\\/\\oh usage     /\\   /  \\\n/\\uck_______/\\_/  \\_/    \\_\n<say>tarn file args...\n",
-               stderr);
-    return 1;
+  startTime = std::time(nullptr);  // kept although nothing reads it
+  TARN_ASSERT(argc != 0);
+  if (argc == 1) {
+    printUsage();
+    return argc;
   }
-  return 0;
+  const char* path = argv[1];
+  if (!programFileOpens(path)) {
+    printStartReport(path);
+    return kFailedStatus;
+  }
+  std::string source = readProgramFile(path);
+
+  loadPrelude();
+  Report report = compile(source);
+  if (!report.ok()) return fail(report);
+  // The program receives the address of argv[2]: a null-terminated vector
+  // of its argument strings.
+  report = checkAndRun(int64_t(reinterpret_cast<intptr_t>(&argv[2])));
+  if (!report.ok()) return fail(report);
+
+  int64_t result = termToInt64(mainTerm());
+  return int32_t(uint32_t(uint64_t(result)));  // the low 32 bits
+}
+
+std::string readProgramFile(const char* path) {
+  FILE* f = std::fopen(path, "r");
+  TARN_ASSERT(f != nullptr);
+  std::string text;
+  // Blocks of 4095 bytes; each block is appended by its count, so NUL bytes
+  // in the file are kept.
+  char block[4096];
+  for (;;) {
+    size_t got = std::fread(block, 1, 4095, f);
+    if (got == 0) break;
+    block[got] = 0;
+    text.append(block, got);
+  }
+  TARN_ASSERT(!std::ferror(f));
+  TARN_ASSERT(std::fclose(f) == 0);
+  return text;
+}
+
+void appendFile(const char* path, std::string_view text) {
+  FILE* f = std::fopen(path, "a");
+  if (!f) return;  // nothing to write to; the trace is never read back
+  int fd = fileno(f);
+  size_t done = 0;
+  while (done < text.size()) {
+    ssize_t n = ::write(fd, text.data() + done, text.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) break;
+    done += size_t(n);
+  }
+  TARN_ASSERT(std::fclose(f) == 0);
+}
+
+std::string escapedPath(std::string_view path) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  std::string out;
+  out.reserve(path.size());
+  for (char ch : path) {
+    auto c = static_cast<unsigned char>(ch);
+    if (c == '[' || c == ']' || c < 32 || c >= 127) {
+      out += '[';
+      out += kHex[c >> 4];
+      out += kHex[c & 15];
+      out += ']';
+    } else {
+      out += ch;
+    }
+  }
+  return out;
 }
 
 }  // namespace tarn

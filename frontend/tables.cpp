@@ -21,36 +21,27 @@ Tables& tables() {
   return *t;
 }
 
-uint32_t epoch = 1;
-
 }  // namespace
 
-uint32_t memoryEpoch() { return epoch; }
-void advanceMemoryEpoch() {
-  if (++epoch == 0) epoch = 1;  // 0 marks "no cache" in a leaf
-}
+uint32_t gMemoryEpoch = 1;
 
-uint32_t slotOf(std::string_view name) {
+GlobalSlot& slotOf(std::string_view name) {
   Tables& t = tables();
   auto it = t.index.find(std::string(name));
-  if (it != t.index.end()) return it->second;
+  if (it != t.index.end()) return t.slots[it->second];
   uint32_t i = uint32_t(t.slots.size());
   GlobalSlot& s = t.slots.emplace_back();
   s.name = std::string(name);
   s.builtin = findBuiltin(name);
   t.index.emplace(s.name, i);
-  return i;
+  return s;
 }
 
-GlobalSlot& globalSlot(uint32_t index) { return tables().slots[index]; }
-
-uint32_t slotOfLeaf(const Term& nameLeaf) {
-  Node* n = nameLeaf.node();
-  LeafPrefix* pre = prefixOf(n);
-  if (pre->cacheEpoch == epoch) return pre->cacheSlot;
-  uint32_t s = slotOf(textOf(nameLeaf));
-  pre->cacheEpoch = epoch;
-  pre->cacheSlot = s;
+GlobalSlot& slotOfLeafSlow(const Term& nameLeaf) {
+  GlobalSlot& s = slotOf(textOf(nameLeaf));
+  LeafPrefix* pre = prefixOf(nameLeaf.node());
+  pre->cacheEpoch = gMemoryEpoch;
+  pre->cacheSlot = &s;
   return s;
 }
 
@@ -62,21 +53,19 @@ const Term* findGlobal(std::string_view name) {
   return s.value ? &s.value : nullptr;
 }
 
-void setGlobal(std::string_view name, Term value) {
-  GlobalSlot& s = globalSlot(slotOf(name));
-  s.value = std::move(value);
-  s.peeledEpoch = 0;
-  s.body = Term();
+void setSlotValue(GlobalSlot& slot, Term value) {
+  slot.value = std::move(value);
+  slot.version++;
+  slot.body = Term();
 }
+
+void setGlobal(std::string_view name, Term value) { setSlotValue(slotOf(name), std::move(value)); }
 
 void eraseGlobal(std::string_view name) {
   Tables& t = tables();
   auto it = t.index.find(std::string(name));
   if (it == t.index.end()) return;
-  GlobalSlot& s = t.slots[it->second];
-  s.value = Term();
-  s.peeledEpoch = 0;
-  s.body = Term();
+  setSlotValue(t.slots[it->second], Term());
 }
 
 std::vector<std::string> globalNames() {
@@ -89,9 +78,7 @@ std::vector<std::string> globalNames() {
 
 void clearGlobals() {
   for (GlobalSlot& s : tables().slots) {
-    s.value = Term();
-    s.body = Term();
-    s.peeledEpoch = 0;
+    setSlotValue(s, Term());
     s.callForm = false;
   }
 }
@@ -102,7 +89,7 @@ bool isCallForm(std::string_view name) {
   return it != t.index.end() && t.slots[it->second].callForm;
 }
 
-void setCallForm(std::string_view name, bool on) { globalSlot(slotOf(name)).callForm = on; }
+void setCallForm(std::string_view name, bool on) { slotOf(name).callForm = on; }
 
 void clearCallForms() {
   for (GlobalSlot& s : tables().slots) s.callForm = false;

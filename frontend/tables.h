@@ -66,29 +66,38 @@ struct GlobalSlot {
   Term value;               // the definition; null when the name has no entry
   bool callForm = false;    // defined as name()\body: never memoised
   const Builtin* builtin = nullptr;
-  // Leading binders of `value`, peeled once per change: the parameter letters
-  // and the body under them. Valid while `peeledEpoch` equals the memory
-  // epoch and the value is unchanged.
+  uint32_t version = 0;     // advanced whenever `value` changes
+  // The machine's cache of the leading binders of `value`: the parameter
+  // letters and the body under them, valid for one version and memory epoch.
   std::string params;
   Term body;
+  uint32_t peeledVersion = ~0u;
   uint32_t peeledEpoch = 0;
 };
 
 // The memory epoch: advanced after every builtin that may write memory.
 // Caches keyed on leaf bytes are valid only within one epoch.
-uint32_t memoryEpoch();
-void advanceMemoryEpoch();
+extern uint32_t gMemoryEpoch;
+inline uint32_t memoryEpoch() { return gMemoryEpoch; }
+inline void advanceMemoryEpoch() {
+  if (++gMemoryEpoch == 0) gMemoryEpoch = 1;  // 0 marks "no cache" in a leaf
+}
 
-// The slot of a name, made on first use (without an entry).
-uint32_t slotOf(std::string_view name);
-GlobalSlot& globalSlot(uint32_t index);
-// The slot of a name leaf, through the leaf's cache.
-uint32_t slotOfLeaf(const Term& nameLeaf);
+// The slot of a name, made on first use (without an entry). Slots never move.
+GlobalSlot& slotOf(std::string_view name);
+GlobalSlot& slotOfLeafSlow(const Term& nameLeaf);
+// The slot of a name leaf, through the cache in the leaf's hidden prefix.
+inline GlobalSlot& slotOfLeaf(const Term& nameLeaf) {
+  LeafPrefix* pre = prefixOf(nameLeaf.node());
+  if (pre->cacheEpoch == gMemoryEpoch) [[likely]] return *static_cast<GlobalSlot*>(pre->cacheSlot);
+  return slotOfLeafSlow(nameLeaf);
+}
 
 // The entry of a name, or null.
 const Term* findGlobal(std::string_view name);
 inline bool hasGlobal(std::string_view name) { return findGlobal(name) != nullptr; }
 void setGlobal(std::string_view name, Term value);
+void setSlotValue(GlobalSlot& slot, Term value);
 void eraseGlobal(std::string_view name);
 // The names that have entries, in byte order.
 std::vector<std::string> globalNames();

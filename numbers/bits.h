@@ -30,11 +30,12 @@ std::string textFromBits(const BitString& bits);
 
 // Primitives.
 bool getBit(const BitString& b, size_t i);            // beyond the end reads 0
-void setBit(BitString& b, size_t i, bool v = true);   // grows by zero bytes
+void setBit(BitString& b, size_t i, bool v = true);   // setting grows by zero bytes
 size_t bitLength(const BitString& b);                 // top set bit index + 1; 0 if all zero
 void stripZeros(BitString& b);                        // drops trailing zero bytes
 bool isAllZero(const BitString& b);
-// The bit string of an unsigned value (bit 0 lowest), no sentinel added.
+// The bit string of an unsigned value (bit 0 lowest), no sentinel added, no
+// trailing zero byte (so zero gives the empty string).
 BitString bitsOfValue(uint64_t v);
 
 }  // namespace tarn

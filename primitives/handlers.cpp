@@ -1,13 +1,16 @@
-// The builtin handlers of this folder, bound by name into the builtin table.
+// The builtin handlers of the data primitives, bound by name into the builtin
+// table.
+#include "primitives/handlers.h"
+
 #include "frontend/tables.h"
 
 namespace tarn {
 
 std::span<const HandlerBinding> primitiveHandlers() {
   static const HandlerBinding bindings[] = {
-      {"", nullptr},  // placeholder until the first handler lands
+      {"lisp", handleLisp},
   };
-  return std::span<const HandlerBinding>(bindings, 0);
+  return bindings;
 }
 
 }  // namespace tarn

@@ -92,8 +92,7 @@ Node* allocLeafNode(size_t payloadBytes) {
   auto* pre = static_cast<LeafPrefix*>(block);
   pre->blockBytes = blockBytes > 0xffffffffu ? 0xffffffffu : uint32_t(blockBytes);
   pre->cacheEpoch = 0;
-  pre->cacheSlot = 0;
-  pre->spare = 0;
+  pre->cacheSlot = nullptr;
   return reinterpret_cast<Node*>(pre + 1);
 }
 
@@ -125,9 +124,11 @@ void countOverflow() { TARN_FAIL(); }
 
 // The count of n has reached zero. Children whose counts reach zero in turn
 // go on a work stack instead of the native stack.
+std::vector<Node*> destroyWork;
+
 void destroyNode(Node* n) {
-  static std::vector<Node*> work;
-  size_t base = work.size();  // destroyNode may nest through nothing, but be safe
+  std::vector<Node*>& work = destroyWork;
+  size_t base = work.size();
   for (;;) {
     if (!n->isLeaf()) {
       Node* kids[2] = {n->leftNode(), n->rightNode()};

@@ -96,8 +96,7 @@ inline constexpr size_t kAppNodeBytes = 24;  // header + two child pointers
 struct LeafPrefix {
   uint32_t blockBytes;  // size of the whole allocation, prefix included
   uint32_t cacheEpoch;  // 0: no cached slot
-  uint32_t cacheSlot;
-  uint32_t spare;
+  void* cacheSlot;      // the globals slot of the leaf's name
 };
 static_assert(sizeof(LeafPrefix) == 16);
 inline LeafPrefix* prefixOf(Node* n) { return reinterpret_cast<LeafPrefix*>(n) - 1; }

@@ -54,6 +54,40 @@ void setElement(const Term& vec, size_t i, Term e) {
   if (old) releaseNode(old);
 }
 
+Term blobLeaf(std::string_view bytes) {
+  std::string count = alphabetNumber(bytes.size());
+  Node* n = newLeafNode(2 + count.size() + bytes.size());
+  unsigned char* t = n->bytes();
+  t[0] = '(';
+  std::memcpy(t + 1, count.data(), count.size());
+  t[1 + count.size()] = ')';
+  if (!bytes.empty()) std::memcpy(t + 2 + count.size(), bytes.data(), bytes.size());
+  return Term::adopt(n);
+}
+
+std::string_view blobBytes(const Term& blob) {
+  const unsigned char* t = blob.node()->bytes();
+  TARN_ASSERT(blob.isLeaf() && t[0] == '(');
+  size_t close = 1;
+  uint64_t count = 0;
+  while (t[close] != ')') count = count * 64 + uint64_t(digitValue(t[close++]));
+  return {reinterpret_cast<const char*>(t + close + 1), size_t(count)};
+}
+
+Term realLeaf(double v) {
+  Node* n = newLeafNode(9);
+  n->bytes()[0] = ' ';
+  std::memcpy(n->bytes() + 1, &v, 8);
+  return Term::adopt(n);
+}
+
+double realValue(const Term& r) {
+  TARN_ASSERT(r.isLeaf() && r.first() == ' ');
+  double v;
+  std::memcpy(&v, r.node()->bytes() + 1, 8);
+  return v;
+}
+
 size_t leafLength(const Node* n) {
   if (!n->isLeaf()) return 0;
   const unsigned char* t = n->bytes();

@@ -125,10 +125,19 @@ Term vectorLeaf(size_t n);
 // Sets element i of a vector leaf that the caller is building or solely holds;
 // the old element is released. `e` may be null (an empty slot).
 void setElement(const Term& vec, size_t i, Term e);
-// Element i of a vector leaf, borrowed as a Term view (may be null).
-inline const Term& elementOf(const Term& vec, size_t i) {
-  return *reinterpret_cast<const Term*>(vec.node()->bytes() + 1 + 8 * i);
-}
+// Element i of a vector leaf as a new reference (null for an empty slot).
+// The element words sit one byte past an aligned address, so they are read
+// by copying, never through a Term reference.
+inline Term elementOf(const Term& vec, size_t i) { return Term::share(vec.node()->element(i)); }
+
+// A blob leaf: "(", the byte count in alphabet digits, ")", the bytes.
+Term blobLeaf(std::string_view bytes);
+// The payload of a blob leaf (first byte "(").
+std::string_view blobBytes(const Term& blob);
+// A real leaf: a space and the 8 bytes of the double in memory order.
+Term realLeaf(double v);
+// The double of a real leaf; a leaf that is not a real is a fatal assertion.
+double realValue(const Term& r);
 
 // Text length of a leaf by its form (0 for an application). Numbers and
 // bracket literals read `size` when it is set; blobs decode their header.

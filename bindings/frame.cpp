@@ -1,0 +1,33 @@
+// Argument tests and conversions shared by every host binding.
+#include "bindings/frame.h"
+
+#include "driver/failure.h"
+#include "reduction/annotate.h"
+
+namespace tarn {
+
+bool isHostPointer(const Term& t) {
+  char k = kindOf(t);
+  return k == 'a' || k == 'i' || k == 'u';
+}
+
+bool isHostReal(const Term& t) { return t.isLeaf() && t.first() == ' '; }
+
+void* termToPointer(const Term& t) {
+  switch (kindOf(t)) {
+    case 'i': return reinterpret_cast<void*>(static_cast<intptr_t>(termToInt64(t)));
+    case 'u': return t.node()->bytes();
+    case 'a': return const_cast<char*>(blobBytes(t).data());
+    default: TARN_FAIL();
+  }
+}
+
+double termToReal(const Term& t) { return realValue(t); }
+
+Term realToTerm(double v) { return realLeaf(v); }
+
+Term truthToTerm(bool v) { return leafByte(v ? 'K' : 'H'); }
+
+Term pointerToTerm(const void* p) { return int64ToTerm(static_cast<int64_t>(reinterpret_cast<intptr_t>(p))); }
+
+}  // namespace tarn

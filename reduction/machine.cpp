@@ -1,0 +1,246 @@
+// The machine loop, its seven step rules, and the dispatch of a redex.
+#include "reduction/machine.h"
+
+#include "driver/failure.h"
+#include "frontend/tables.h"
+#include "reduction/annotate.h"
+#include "reduction/printer.h"
+
+namespace tarn {
+
+namespace {
+
+uint64_t stepCount = 0;
+
+// Takes an owned application apart. When the control is the node's only
+// holder (the common case) the children's references are moved out and the
+// node's memory reused, with no count traffic.
+inline void split(Term&& x, Term& l, Term& r) {
+  Node* n = x.detach();
+  if (n->count() == 1) {
+    l = Term::adopt(n->leftNode());
+    r = Term::adopt(n->rightNode());
+    freeNodeMemory(n);
+  } else {
+    l = Term::share(n->leftNode());
+    r = Term::share(n->rightNode());
+    releaseNode(n);
+  }
+}
+
+// True when the globals' T still has the law T a b = b a (parameters p q,
+// body (q p)), so that an argument frame can apply a value directly.
+GlobalSlot* swapSlot = nullptr;
+uint32_t swapSeenVersion = ~0u, swapSeenEpoch = 0;
+bool swapHolds = false;
+
+bool swapLawHolds() {
+  if (!swapSlot) [[unlikely]] swapSlot = &slotOf("T");
+  GlobalSlot& s = *swapSlot;
+  if (s.version == swapSeenVersion && memoryEpoch() == swapSeenEpoch) [[likely]] return swapHolds;
+  bool& holds = swapHolds;
+  swapSeenVersion = s.version;
+  swapSeenEpoch = memoryEpoch();
+  holds = false;
+  if (!s.value) return false;
+  const Term* b = &s.value;
+  unsigned char p[2];
+  for (unsigned char& letter : p) {
+    if (spineShape(*b) != 'u') return false;
+    const Term& var = b->left().right();
+    if (!var.isLeaf() || !isLower(var.first()) || var.node()->bytes()[1] != 0) return false;
+    letter = var.first();
+    b = &b->right();
+  }
+  holds = p[0] != p[1] && b->isApp() && isByteLeaf(b->left(), p[1]) && isByteLeaf(b->right(), p[0]);
+  return holds;
+}
+
+// Rule 1: a value meets the innermost frame.
+inline void handValue(Machine& m) {
+  Frame f = std::move(m.frames.back());
+  m.frames.pop_back();
+  if (!f.argument) {
+    m.control = App(std::move(f.term), std::move(m.control));          // (f V)
+  } else if (swapLawHolds()) {
+    m.control = App(std::move(m.control), std::move(f.term));          // (T a V) = (V a)
+  } else {
+    m.control = App2(leafByte('T'), std::move(f.term), std::move(m.control));
+  }
+}
+
+inline void pushArgument(Machine& m, Term a) { m.frames.push_back(Frame{std::move(a), true}); }
+inline void pushFunction(Machine& m, Term f) { m.frames.push_back(Frame{std::move(f), false}); }
+
+// Evaluate the function part first: (B K (T r) l).
+inline void descendLeft(Machine& m) {
+  Term l, r;
+  split(std::move(m.control), l, r);
+  pushArgument(m, std::move(r));
+  m.control = std::move(l);
+}
+
+// Evaluate the argument: (B K l r).
+inline void descendRight(Machine& m) {
+  Term l, r;
+  split(std::move(m.control), l, r);
+  pushFunction(m, std::move(l));
+  m.control = std::move(r);
+}
+
+// Argument frames on top of the continuation, counted up to n.
+inline int argumentFrames(const Machine& m, int n) {
+  int count = 0;
+  for (size_t i = m.frames.size(); i-- > 0 && count < n;) {
+    if (!m.frames[i].argument) break;
+    count++;
+  }
+  return count;
+}
+
+}  // namespace
+
+uint64_t machineSteps() { return stepCount; }
+
+void endWith(Machine& m, Term r) {
+  m.frames.clear();
+  m.control = std::move(r);
+}
+
+void step(Machine& m) {
+  stepCount++;
+  Node* x = m.control.node();
+  if (x->state() == 0) annotateSlow(x);
+
+  // Rule 1: a value goes to the innermost frame.
+  if (isValueAnnotated(x)) {
+    TARN_ASSERT(!m.frames.empty());
+    handValue(m);
+    return;
+  }
+  int arity = x->arity();
+
+  // Rule 2: over-applied; the last argument waits on the continuation.
+  if (arity < 0) {
+    descendLeft(m);
+    return;
+  }
+
+  if (arity == 0) {
+    // Rules 3 and 4: a lazy head fires at once, any head once all is a value.
+    if (!x->pending() || isLazyHead(m.control)) {
+      contract(m);
+      return;
+    }
+    // Rule 5a: a wing is strict in its bound value, lazy in its body.
+    if (spineShape(m.control) == 'i') {
+      const Term& v = m.control.left().right();
+      if (isValue(v)) {
+        contract(m);
+        return;
+      }
+      const Term& p = m.control.left().left().right();
+      Term binder = App2(leafByte('\\'), p, m.control.right());  // (\ p c)
+      Term value = v;
+      pushFunction(m, std::move(binder));
+      m.control = std::move(value);
+      return;
+    }
+    // Rules 5b and 5c: function part first, then the argument.
+    Node* l = x->leftNode();
+    if (!l->isData() && l->pending()) descendLeft(m);
+    else descendRight(m);
+    return;
+  }
+
+  // Rule 6: a lazy partial application saturated from waiting argument
+  // frames, without evaluating its pending parts.
+  if (isLazyHead(m.control) && argumentFrames(m, arity) >= arity) {
+    for (int i = 0; i < arity; i++) {
+      Term a = std::move(m.frames.back().term);
+      m.frames.pop_back();
+      m.control = App(std::move(m.control), std::move(a));
+    }
+    annotate(m.control);
+    contract(m);
+    return;
+  }
+
+  // Rule 7: bring the parts of a partial application to values.
+  if (isValue(m.control.left())) descendRight(m);
+  else descendLeft(m);
+}
+
+void contract(Machine& m) {
+  Term x = std::move(m.control);  // held until the rule has built its result
+  Node* xn = x.node();
+  TARN_ASSERT(freeSetAnnotated(xn) == 0);
+  TARN_ASSERT(!xn->isData());
+  TARN_ASSERT(xn->arity() == 0);
+
+  // Spine walk: the head and its arguments in source order.
+  constexpr int kMaxArgs = 16;
+  const Term* args[kMaxArgs];
+  int argc = 0;
+  const Term* h = &x;
+  while (h->isApp() && !h->node()->isData()) {
+    TARN_ASSERT(argc < kMaxArgs);
+    args[argc++] = &h->right();
+    h = &h->left();
+  }
+  for (int i = 0, j = argc - 1; i < j; i++, j--) std::swap(args[i], args[j]);
+  const Term& head = *h;
+  unsigned char c = head.first();
+
+  // Builtins are words; their handlers get the whole application.
+  if (head.isLeaf() && isWordByte(c)) {
+    GlobalSlot& slot = slotOfLeaf(head);
+    if (const Builtin* b = slot.builtin) {
+      Term r = callBuiltin(*b, x);
+      if (b->writesMemory) advanceMemoryEpoch();
+      if (r.isApp() && r.left().isLeaf() && (r.left().first() == ')' || r.left().first() == ']'))
+        endWith(m, std::move(r));
+      else
+        m.control = std::move(r);
+      return;
+    }
+    fireGlobal(m, head, args, argc);
+    return;
+  }
+
+  if (head.isLeaf()) {
+    if (c == '\n') return fireVectorAccess(m, head, *args[0]);
+    if (isByteLeaf(head, '{')) return fireWing(m, *args[0], *args[1], *args[2]);
+    if (isByteLeaf(head, '\\')) return fireBinder(m, *args[0], *args[1], *args[2]);
+    if (isDigit(c)) return fireNumber(m, head);
+  }
+  if (head.node()->isData()) return fireData(m, head, *args[0]);
+  switch (c) {
+    case '(': return fireBlob(m, head);
+    case ' ': return fireReal(m, head, *args[0]);
+    case ')': return fireMemo(m, head, *args[0]);
+    case ']': return fireUndefined(m, *args[0]);
+    default: return fireGlobal(m, head, args, argc);
+  }
+}
+
+Term reduce(Term t) {
+  Machine m;
+  m.control = std::move(t);
+  for (;;) {
+    if (m.frames.empty() && isValue(m.control)) return std::move(m.control);
+    step(m);
+  }
+}
+
+std::string dumpMachine(const Machine& m) {
+  // Rebuild the continuation as terms: I, then (B k f) or (B k (T a)).
+  Term k = leafByte('I');
+  for (const Frame& f : m.frames) {
+    Term part = f.argument ? App(leafByte('T'), f.term) : f.term;
+    k = App2(leafByte('B'), std::move(k), std::move(part));
+  }
+  return printTerm(App(std::move(k), m.control));
+}
+
+}  // namespace tarn

@@ -1,0 +1,100 @@
+// Reading the program file, appending, escaped paths, and the statuses of the
+// run sequence (the full 32-bit values, which a process exit would cut).
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <random>
+
+#include "driver/driver.h"
+
+namespace tarn {
+namespace {
+
+// A temporary file removed at the end of the test.
+struct TempFile {
+  std::string path;
+  TempFile() {
+    char name[] = "/tmp/tarn_driver_testXXXXXX";
+    int fd = mkstemp(name);
+    EXPECT_GE(fd, 0);
+    close(fd);
+    path = name;
+  }
+  ~TempFile() { std::remove(path.c_str()); }
+  void write(std::string_view bytes) const {
+    FILE* f = std::fopen(path.c_str(), "wb");
+    std::fwrite(bytes.data(), 1, bytes.size(), f);
+    std::fclose(f);
+  }
+};
+
+TEST(Driver, ReaderKeepsEveryByteAcrossBlocks) {
+  std::mt19937 rng(7);
+  TempFile file;
+  for (size_t size : {size_t(0), size_t(1), size_t(4094), size_t(4095), size_t(4096), size_t(8190),
+                      size_t(8191), size_t(12289)}) {
+    std::string bytes(size, '\0');
+    for (char& c : bytes) c = char(rng() % 4 == 0 ? 0 : rng());  // plenty of NULs
+    file.write(bytes);
+    EXPECT_EQ(readProgramFile(file.path.c_str()), bytes) << size;
+  }
+}
+
+TEST(Driver, AppendFileAddsToTheEnd) {
+  TempFile file;
+  appendFile(file.path.c_str(), "ab");
+  appendFile(file.path.c_str(), std::string_view("c\0d", 3));
+  appendFile(file.path.c_str(), "");
+  EXPECT_EQ(readProgramFile(file.path.c_str()), std::string_view("abc\0d", 5));
+}
+
+TEST(Driver, EscapedPaths) {
+  EXPECT_EQ(escapedPath("dir/a b\\\"c~.tarn"), "dir/a b\\\"c~.tarn");
+  EXPECT_EQ(escapedPath("[x]"), "[5B]x[5D]");
+  EXPECT_EQ(escapedPath(std::string_view("\x00\x01\x1f\x7f\x80\xff", 6)), "[00][01][1F][7F][80][FF]");
+  EXPECT_EQ(escapedPath("\xc3\xa9"), "[C3][A9]");
+  EXPECT_EQ(escapedPath(""), "");
+}
+
+int run(std::vector<std::string> args, std::string& out, std::string& err) {
+  std::vector<char*> argv;
+  for (std::string& a : args) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  int status = runDriver(int(args.size()), argv.data());
+  std::fflush(stdout);
+  out = testing::internal::GetCapturedStdout();
+  err = testing::internal::GetCapturedStderr();
+  return status;
+}
+
+TEST(Driver, StatusesOfTheRunSequence) {
+  std::string out, err;
+  EXPECT_EQ(run({"tarn"}, out, err), 1);
+  EXPECT_EQ(out, "");
+  EXPECT_EQ(err.substr(0, 6), "\\/\\oh ");
+
+  EXPECT_EQ(run({"tarn", "/nonexistent/dir/p.tarn", "x"}, out, err), int32_t(0x80000000u));
+  EXPECT_EQ(out, "Error.\n");
+  EXPECT_EQ(err, " Type: Start\n Name: \"/nonexistent/dir/p.tarn\"\nCould not read program file.\n\\/\n");
+
+  EXPECT_EQ(run({"tarn", "/tmp"}, out, err), int32_t(0x80000000u));
+  EXPECT_EQ(out, "Error.\n");
+
+  TempFile file;
+  file.write("a\n(b");
+  EXPECT_EQ(run({"tarn", file.path}, out, err), int32_t(0x80000000u));
+  EXPECT_EQ(out, "");
+  EXPECT_EQ(err.substr(0, 3), "\033[m");
+  EXPECT_NE(err.find("[match]"), std::string::npos);
+  EXPECT_EQ(err.substr(err.size() - 9), "[____b].\n");
+}
+
+TEST(Driver, NoArgumentsAtAllStops) {
+  EXPECT_DEATH(runDriver(0, nullptr), "ASSERTION FAILED");
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,140 @@
+// The banner, coloured bytes, short names, excerpts and the report text form.
+#include <gtest/gtest.h>
+
+#include "driver/report.h"
+#include "terms/texts.h"
+
+namespace tarn {
+namespace {
+
+constexpr std::string_view kRed = "\033[31m", kGreen = "\033[32m", kPlain = "\033[m";
+const std::string kTop =
+    "                        /\\\n"
+    "\\/\\oh [match]     /\\   /  \\\n"
+    "/\\uck_________/\\_/  \\_/    \\_\n";
+
+TEST(Report, BannerLinesInFixedOrder) {
+  Report bare;
+  bare.tag = "match";
+  EXPECT_EQ(banner(bare), kTop);
+
+  Report full;
+  full.say = "s";
+  full.tag = "match";
+  full.vip = "v";
+  full.tip = "t";
+  full.way = "w";
+  EXPECT_EQ(banner(full), kTop + " <way> w\n <vip> v\n <tip> t\n <say> s\n");
+
+  Report some;
+  some.tag = "match";
+  some.tip = "a b";
+  EXPECT_EQ(banner(some), kTop + " <tip> a\033[32m \033[mb\n");
+
+  EXPECT_EQ(Report{}.tag, "check");
+  EXPECT_TRUE(Report{}.ok());
+}
+
+TEST(Report, ShowBytesColoursAndGlyphs) {
+  auto s = [](std::string_view a, std::string_view b = {}, std::string_view c = {},
+              std::string_view d = {}, std::string_view e = {}) {
+    return std::string(a) + std::string(b) + std::string(c) + std::string(d) + std::string(e);
+  };
+  EXPECT_EQ(showBytes("plus_one(x)"), "plus_one(x)");
+  EXPECT_EQ(showBytes("a b"), s("a", kGreen, " ", kPlain, "b"));
+  EXPECT_EQ(showBytes("a\nb"), s("a", kGreen, ",", kPlain, "b"));
+  EXPECT_EQ(showBytes("x\x01"), s("x", kGreen, "A", kPlain));
+  EXPECT_EQ(showBytes(std::string_view("\0", 1)), s(kGreen, "J", kPlain));
+  EXPECT_EQ(showBytes("\xc8"), s(kRed, "H", kPlain));
+  EXPECT_EQ(showBytes("\xff"), s(kGreen, "]", kPlain));
+  EXPECT_EQ(showBytes("\x7f"), s(kGreen, "~", kPlain));
+  EXPECT_EQ(showBytes("\x9f"), s(kGreen, "8", kPlain));
+  EXPECT_EQ(showBytes("\xa1"), s(kRed, "!", kPlain));
+  EXPECT_EQ(showBytes("\x01\x02 "), s(kGreen, "AB ", kPlain));
+  EXPECT_EQ(showBytes("\xc8\x01z"), s(kRed, "H", kGreen, "A", s(kPlain, "z")));
+  EXPECT_EQ(showBytes(""), "");
+  EXPECT_DEATH((void)showBytes("a\xa0"), "ASSERTION FAILED");
+}
+
+// Apart from byte 160, the rendering reads the byte table backwards: class 1
+// red, class 2 green, class 3 plain, with the table's glyph (a space shows as
+// itself).
+TEST(Report, ShowBytesAgreesWithTheByteTable) {
+  for (int b = 0; b < 256; b++) {
+    if (b == 160) continue;
+    std::string shown = showBytes(std::string(1, char(b)));
+    int index = tableIndexOf(static_cast<unsigned char>(b));
+    int cls = byteClass[size_t(index)];
+    std::string glyph = b == ' ' ? " " : std::string(1, byteGlyph[size_t(index)]);
+    std::string want = cls == 3 ? glyph
+                       : cls == 1 ? std::string(kRed) + glyph + std::string(kPlain)
+                                  : std::string(kGreen) + glyph + std::string(kPlain);
+    EXPECT_EQ(shown, want) << "byte " << b;
+  }
+}
+
+TEST(Report, ShortNames) {
+  EXPECT_EQ(shortName("abcde"), "abcde \"");
+  EXPECT_EQ(shortName("[+]xy"), "[+]xy \"");
+  EXPECT_EQ(shortName("abcd"), "abcd");
+  EXPECT_EQ(shortName("abcdef"), "abcdef");
+  EXPECT_EQ(shortName(""), "");
+  EXPECT_EQ(shortName(std::string(72, 'x')), std::string(72, 'x'));
+  EXPECT_EQ(shortName(std::string(73, 'x')), std::string(69, 'x') + "...");
+  EXPECT_EQ(shortName(std::string(500, 'y')), std::string(69, 'y') + "...");
+}
+
+TEST(Report, ExcerptsStayBalancedWithinTheLimit) {
+  EXPECT_EQ(excerpt(std::string(100, '(')), std::string(36, '(') + std::string(36, ')'));
+  EXPECT_EQ(excerpt(std::string(100, 'a')), std::string(72, 'a'));
+  EXPECT_EQ(excerpt(std::string(70, 'a') + "(b)"), std::string(70, 'a') + "()");
+  EXPECT_EQ(excerpt(std::string(71, 'a') + "(b)"), std::string(71, 'a'));
+  EXPECT_EQ(excerpt(std::string(69, 'a') + "(b)"), std::string(69, 'a') + "(b)");
+  // Inside a literal parentheses are plain bytes and only "[" needs room.
+  EXPECT_EQ(excerpt("[" + std::string(100, '(')), "[" + std::string(70, '(') + "]");
+  EXPECT_EQ(excerpt("a[b(c]d"), "a[b(c]d");
+  EXPECT_EQ(excerpt("f(x[y"), "f(x[y])");
+  // Braces count in excerpt, not in excerptPlain.
+  EXPECT_EQ(excerpt("{a(b"), "{a(b)}");
+  EXPECT_EQ(excerptPlain("{a(b"), "{a(b)");
+  EXPECT_EQ(excerpt("(a}"), "(a}");
+  EXPECT_EQ(excerptPlain("(a}"), "(a})");
+  // A closer with nothing open is copied like any byte.
+  EXPECT_EQ(excerpt("a)b]c}"), "a)b]c}");
+  EXPECT_EQ(excerpt(""), "");
+}
+
+TEST(Report, TextFormRoundTrip) {
+  Report r;
+  r.say = "s";
+  r.tag = "t";
+  r.vip = "v";
+  r.way = "w";
+  EXPECT_EQ(reportText(r), "['[\"s][\"t][\"v][\"][\"w]]");
+  Report back = reportFromText(reportText(r));
+  EXPECT_EQ(back.say, "s");
+  EXPECT_EQ(back.tag, "t");
+  EXPECT_EQ(back.vip, "v");
+  EXPECT_EQ(back.tip, "");
+  EXPECT_EQ(back.way, "w");
+
+  // Balanced brackets inside a field survive the trip.
+  r.say = "Cycle on [a [b]] (c)";
+  r.tip = std::string("x\0y", 3);
+  back = reportFromText(reportText(r));
+  EXPECT_EQ(back.say, r.say);
+  EXPECT_EQ(back.tip, r.tip);
+  EXPECT_EQ(back.way, "w");
+
+  // An unbalanced field does not survive, but reading never fails.
+  r.say = "x]y";
+  back = reportFromText(reportText(r));
+  EXPECT_EQ(back.say, "x");
+  r.say = "x[y";
+  back = reportFromText(reportText(r));
+  EXPECT_EQ(back.say.substr(0, 3), "x[y");
+  EXPECT_EQ(reportFromText("").tag, "");
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,199 @@
+// The prelude's tables and the compile step: builtin stubs, the main
+// expression, plain and call-form definitions, ignored pieces, and the two
+// reports with positions in the normalised text.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "frontend/compile.h"
+#include "frontend/tables.h"
+#include "tests/unit/frontend/tree_dump.h"
+
+namespace tarn {
+namespace {
+
+using testing::treeOf;
+
+std::string global(std::string_view name) {
+  const Term* t = findGlobal(name);
+  return t ? treeOf(*t) : "<none>";
+}
+
+TEST(Prelude, DefinesExactlyItsNames) {
+  loadPrelude();
+  std::vector<std::string> want;
+  for (char c : std::string_view("ABCDEFGHIJKLMNOPQRUSTVWZXY\\{`!&|+-*/%^<>=#$~.@:?;'\","))
+    want.emplace_back(1, c);
+  std::sort(want.begin(), want.end());
+  EXPECT_EQ(globalNames(), want);
+  for (const std::string& name : want) {
+    EXPECT_FALSE(isCallForm(name));
+    ASSERT_NE(findPreludeGlobal(name), nullptr);
+    EXPECT_TRUE(findPreludeGlobal(name)->same(*findGlobal(name)));
+  }
+}
+
+TEST(Prelude, BodiesKeepTheirBinders) {
+  loadPrelude();
+  EXPECT_EQ(global("S"), "(([\\] a) (([\\] b) (([\\] c) ((a c) (b c)))))");
+  EXPECT_EQ(global("K"), "(([\\] a) (([\\] b) a))");
+  EXPECT_EQ(global("A"), "(([\\] a) ((a S) ((B K) K)))");
+  EXPECT_EQ(global("G"), "(([\\] a) ((V Z) ((((B W) (B C)) ((D D) V)) (V (X J)))))");
+  EXPECT_EQ(global("U"),
+            "(([\\] a) (([\\] b) (([\\] c) (([\\] d) (([\\] e) ((e ((V a) b)) ((V c) d)))))))");
+  EXPECT_EQ(global("Y"), "(([\\] a) (([\\] b) ((a (Y a)) b)))");
+  EXPECT_EQ(global("!"), "(([\\] p) ((p H) K))");  // the layout space is gone
+  EXPECT_EQ(global("|"), "(([\\] q) (([\\] r) ((q K) r)))");
+  EXPECT_EQ(global("\\"), "(([\\] a) (([\\] b) (([\\] c) Z)))");
+  EXPECT_EQ(global("{"), "(([\\] a) (([\\] b) (([\\] c) Z)))");
+  EXPECT_EQ(global("+"), "plus");
+  EXPECT_EQ(global("~"), "wave");
+  EXPECT_EQ(global("@"), "T");
+  EXPECT_EQ(global(","), "I");
+  EXPECT_EQ(global("\""), "I");
+}
+
+TEST(Prelude, ReloadingResetsTheTables) {
+  loadPrelude();
+  ASSERT_TRUE(compile("0,own\\1,gg()\\2").ok());
+  loadPrelude();
+  EXPECT_EQ(findGlobal("own"), nullptr);
+  EXPECT_EQ(findGlobal(""), nullptr);
+  EXPECT_FALSE(isCallForm("gg"));
+  EXPECT_EQ(findPreludeGlobal("own"), nullptr);
+}
+
+TEST(Compile, BuiltinStubsCountTheirArguments) {
+  loadPrelude();
+  ASSERT_TRUE(compile("0").ok());
+  EXPECT_EQ(global("plus"), "(([\\] a) (([\\] b) Z))");
+  EXPECT_EQ(global("abort"), "Z");
+  EXPECT_EQ(global("fread"), "(([\\] a) (([\\] b) (([\\] c) (([\\] d) Z))))");
+  EXPECT_EQ(global("getnameinfo"),
+            "(([\\] a) (([\\] b) (([\\] c) (([\\] d) (([\\] e) (([\\] f) (([\\] g) Z)))))))");
+  EXPECT_EQ(global("zits"), "(([\\] a) Z)");
+  for (const Builtin& b : builtinTable()) EXPECT_NE(findGlobal(b.name), nullptr) << b.name;
+}
+
+TEST(Compile, MainExpression) {
+  loadPrelude();
+  ASSERT_TRUE(compile("a\\2+3").ok());
+  EXPECT_EQ(global(""), "(([\\] a) (([+] 2) 3))");
+  EXPECT_TRUE(mainTerm().same(*findGlobal("")));
+  // With no comma the whole text is the main expression, binder shape or not.
+  loadPrelude();
+  ASSERT_TRUE(compile("f\\a\\a").ok());
+  EXPECT_EQ(global(""), "(([\\] f) (([\\] a) a))");
+  EXPECT_EQ(findGlobal("f"), nullptr);
+  loadPrelude();
+  ASSERT_TRUE(compile("").ok());
+  EXPECT_EQ(global(""), "[}]");
+  loadPrelude();
+  ASSERT_TRUE(compile("  \n a  b \n").ok());
+  EXPECT_EQ(global(""), "(a b)");
+}
+
+TEST(Compile, PlainAndCallFormDefinitions) {
+  loadPrelude();
+  ASSERT_TRUE(compile("0,S\\a\\a,twice\\f\\x\\f(f x),[&]\\a\\a,gg()\\2").ok());
+  EXPECT_EQ(global("S"), "(([\\] a) a)");
+  EXPECT_EQ(treeOf(*findPreludeGlobal("S")), "(([\\] a) (([\\] b) (([\\] c) ((a c) (b c)))))");
+  EXPECT_EQ(global("twice"), "(([\\] f) (([\\] x) (f (f x))))");
+  EXPECT_EQ(global("&"), "(([\\] a) a)");
+  EXPECT_EQ(global("gg"), "(I 2)");
+  EXPECT_TRUE(isCallForm("gg"));
+  EXPECT_FALSE(isCallForm("twice"));
+  // A later definition replaces an earlier one; a plain form drops the mark.
+  loadPrelude();
+  ASSERT_TRUE(compile("0,gg()\\2,gg\\3,hh\\1,hh()\\4").ok());
+  EXPECT_EQ(global("gg"), "3");
+  EXPECT_FALSE(isCallForm("gg"));
+  EXPECT_EQ(global("hh"), "(I 4)");
+  EXPECT_TRUE(isCallForm("hh"));
+}
+
+TEST(Compile, PiecesThatAreNoDefinitionAreIgnored) {
+  loadPrelude();
+  std::vector<std::string> before = globalNames();
+  // No binder shape; a bare operator (its pattern is an application of no
+  // name); a call form with an argument; a number; a multi-letter operator.
+  Report r = compile("0,3+4,+\\a\\a,f(x)\\1,5\\a,[+-]\\a,(p q)\\1,,");
+  EXPECT_TRUE(r.ok());
+  std::vector<std::string> after = globalNames();
+  for (const std::string& name : after)
+    EXPECT_TRUE(name.empty() || findBuiltin(name) || std::count(before.begin(), before.end(), name))
+        << name;
+  EXPECT_EQ(findGlobal("f"), nullptr);
+  EXPECT_EQ(global("+"), "plus");
+}
+
+TEST(Compile, LowerAndBuiltReports) {
+  loadPrelude();
+  Report lower = compile("1,x\\a\\a");
+  EXPECT_EQ(lower.tag, "lower");
+  EXPECT_EQ(lower.say, "Single lowercase letters (x) cannot be defined as global variables.");
+  EXPECT_EQ(lower.vip, "____b");
+  EXPECT_EQ(lower.tip, "x");
+  EXPECT_EQ(lower.way, "");
+
+  loadPrelude();
+  Report built = compile("1,plus\\a\\a");
+  EXPECT_EQ(built.tag, "built");
+  EXPECT_EQ(built.say, "Built in function [plus] cannot be re-defined.");
+  EXPECT_EQ(built.vip, "____b");
+  EXPECT_EQ(built.tip, "plus");
+  EXPECT_EQ(built.way, "");
+
+  // Backslash and "{" are no builtins but are reserved all the same.
+  loadPrelude();
+  Report slash = compile("1,[\\]\\a\\a");
+  EXPECT_EQ(slash.tag, "built");
+  EXPECT_EQ(slash.say, "Built in function [\\] cannot be re-defined.");
+  EXPECT_EQ(slash.tip, "\\");
+  loadPrelude();
+  Report wing = compile("1,[{]\\a\\a");
+  EXPECT_EQ(wing.say, "Built in function [{] cannot be re-defined.");
+  EXPECT_EQ(wing.tip, "{");
+
+  // A call form is checked like a plain one, so a one-letter call form is
+  // refused too; a five-byte name is shortened by its own odd rule.
+  loadPrelude();
+  Report call = compile("1,g()\\2");
+  EXPECT_EQ(call.tag, "lower");
+  EXPECT_EQ(call.tip, "g");
+  EXPECT_EQ(findGlobal("g"), nullptr);
+  loadPrelude();
+  EXPECT_EQ(compile("1,abort\\1").tip, "abort \"");
+}
+
+TEST(Compile, ReportPositionsCountTheNormalisedText) {
+  loadPrelude();
+  // Normalised: "a\0,zz\1,y\2": the y is byte 9 there, byte 18 as written.
+  Report r = compile("a\\0 ,\n\n   zz\\1,\n  y\\2");
+  EXPECT_EQ(r.tag, "lower");
+  EXPECT_EQ(r.vip, "____i");
+  // Definitions before the failing one stay; none after it is made.
+  loadPrelude();
+  Report s = compile("0,ff\\2,x\\1,gg\\3");
+  EXPECT_EQ(s.tag, "lower");
+  EXPECT_EQ(global("ff"), "2");
+  EXPECT_EQ(findGlobal("gg"), nullptr);
+}
+
+TEST(Compile, StrayCommaPassesTheCheckAndStopsInTheParser) {
+  loadPrelude();
+  EXPECT_DEATH(compile("f((S,x))"), "ASSERTION FAILED:grammar.cpp");
+}
+
+TEST(Compile, StructureFaultsComeFirst) {
+  loadPrelude();
+  Report r = compile("1,x\\a(");
+  EXPECT_EQ(r.tag, "match");
+  EXPECT_EQ(findGlobal(""), nullptr);
+  EXPECT_EQ(findGlobal("plus"), nullptr);  // no stubs before the check passes
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,141 @@
+// The structure check with its messages, the comma rule, normalisation, and
+// the three splitting helpers.
+#include <gtest/gtest.h>
+
+#include "frontend/scan.h"
+
+namespace tarn {
+namespace {
+
+struct Checked {
+  bool ok;
+  Report report;
+  long position = -1;
+};
+
+Checked check(std::string_view text) {
+  Checked c;
+  c.ok = checkStructure(text, c.report, c.position);
+  return c;
+}
+
+TEST(Scan, BracketMessages) {
+  Checked c = check(")");
+  EXPECT_FALSE(c.ok);
+  EXPECT_EQ(c.report.say, "Dangling right-parenthesis at [_____].");
+  EXPECT_EQ(c.report.tag, "match");
+  EXPECT_EQ(c.report.vip, "_____");
+  EXPECT_EQ(c.report.tip, "");
+  EXPECT_EQ(c.report.way, "");
+  EXPECT_EQ(c.position, 0);
+
+  // Text, message: the kind named is the offending byte's; the innermost
+  // open bracket is reported; parentheses are inert inside a literal.
+  const std::pair<std::string, std::string_view> cases[] = {
+      {"(", "Dangling left-parenthesis at [_____]."},
+      {"x}", "Dangling right-wing at [____a]."},
+      {"]", "Dangling right-bracket at [_____]."},
+      {"a{", "Dangling left-wing at [____a]."},
+      {"[(", "Dangling left-bracket at [_____]."},
+      {"[[]", "Dangling left-bracket at [_____]."},
+      {"({", "Dangling left-wing at [____a]."},
+      {"(a(", "Dangling left-parenthesis at [____b]."},
+      {"((a)", "Dangling left-parenthesis at [_____]."},
+      {std::string(19, 'a') + ")", "Dangling right-parenthesis at [____u]."},
+      {std::string(64, ' ') + "}", "Dangling right-wing at [___a_]."},
+      {"x{(y})", "'(' at [____b] doesn't fit '}' at [____d]."}};
+  for (const auto& [text, say] : cases) {
+    c = check(text);
+    EXPECT_EQ(c.report.say, say) << text;
+    EXPECT_EQ(c.report.tag, "match");
+    EXPECT_EQ(c.report.vip, say.substr(say.find('[') + 1, 5));
+  }
+  EXPECT_EQ(check("a{").position, 1);
+
+  c = check("(]");
+  EXPECT_EQ(c.report.say, "'(' at [_____] doesn't fit ']' at [____a].");
+  EXPECT_EQ(c.report.tag, "match");
+  EXPECT_EQ(c.report.vip, "_____");
+  EXPECT_EQ(c.report.tip, "____a");
+  EXPECT_EQ(c.position, 0);
+}
+
+TEST(Scan, SoundStructures) {
+  for (std::string_view t : {"", "a", "[(]", "[)]", "(a[)]b)", "{[}]}", "[a\n(b\n]", "f(a,b)", "1,2,3",
+                             "a{x,y}b", "((a,b))", "f(a)(b,c)", "[f](a,b)", "{(a,b)}", "(f(a,b))",
+                             "([,])", "f[(a,b)]", "(a),(b)", "x!(a,b)", "x$(a,b)"})
+    EXPECT_TRUE(check(t).ok) << t;
+}
+
+TEST(Scan, CommaRule) {
+  Checked c = check("(a,b)");
+  EXPECT_FALSE(c.ok);
+  EXPECT_EQ(c.report.say, "Comma at [____b] is not part of a valid call list.");
+  EXPECT_EQ(c.report.tag, "comma");
+  EXPECT_EQ(c.report.vip, "____b");
+  EXPECT_EQ(c.report.tip, "");
+  EXPECT_EQ(c.position, 2);
+  // White space and operators before "(" leave nothing to call.
+  EXPECT_EQ(check("f (a,b)").position, 4);
+  EXPECT_EQ(check("x=(a,b)").position, 4);
+  EXPECT_EQ(check("g\n(a,b)").position, 4);
+  // The leftmost comma of the group is named.
+  EXPECT_EQ(check("+(a,b,c)").report.vip, "____c");
+  // A nested group is judged by the byte before it.
+  EXPECT_EQ(check("(a,(b,c))").position, 5);
+  EXPECT_EQ(check("(a,b)(c)").position, 2);
+  // Bracket faults are found before any comma is looked at.
+  EXPECT_EQ(check("(a,b").report.tag, "match");
+  EXPECT_EQ(check("(a,b)]").report.tag, "match");
+}
+
+TEST(Scan, Normalise) {
+  EXPECT_EQ(normalise("a  b"), "a b");
+  EXPECT_EQ(normalise("a \n b"), "a\nb");
+  EXPECT_EQ(normalise("a\n\n  b"), "a\nb");
+  EXPECT_EQ(normalise("a + b"), "a+b");
+  EXPECT_EQ(normalise("a +\n b"), "a+b");
+  EXPECT_EQ(normalise("( a )"), "(a)");
+  EXPECT_EQ(normalise("{ a }"), "{a}");
+  EXPECT_EQ(normalise("a {b} c"), "a{b}c");
+  EXPECT_EQ(normalise("f (x)\n(y)"), "f (x)\n(y)");
+  EXPECT_EQ(normalise("  \n "), "");
+  EXPECT_EQ(normalise(""), "");
+  EXPECT_EQ(normalise("\n x \n"), "x");
+  // Literals keep their white space, and the space before one stays.
+  EXPECT_EQ(normalise("f [ a  b\n c ]"), "f [ a  b\n c ]");
+  EXPECT_EQ(normalise("[a [ ]]  x"), "[a [ ]] x");
+  // Bytes that are no operators keep their neighbours apart.
+  EXPECT_EQ(normalise("a ! b"), "a ! b");
+  EXPECT_EQ(normalise("a $ ~b"), "a $ ~b");
+  EXPECT_EQ(normalise("a\t b"), "a\t b");
+  EXPECT_EQ(normalise("a , b"), "a,b");
+  EXPECT_EQ(normalise("x\\ y"), "x\\y");
+}
+
+TEST(Scan, Helpers) {
+  EXPECT_EQ(matchBracket("(a[)]b)", 0), 6);
+  EXPECT_EQ(matchBracket("(a[)]b)", 6), 0);
+  EXPECT_EQ(matchBracket("(a[)]b)", 2), 4);
+  EXPECT_EQ(matchBracket("(a[)]b)", 4), 2);
+  EXPECT_EQ(matchBracket("(a[)]b)", 1), 1);
+  EXPECT_EQ(matchBracket("{a(b)}", 0), 5);  // "(" and "{" count alike
+  EXPECT_EQ(matchBracket("[[(]]", 0), 4);
+  EXPECT_DEATH((void)matchBracket("(a", 0), "ASSERTION FAILED");
+
+  EXPECT_EQ(splitPoints("a,b(c,d),[e,f],g", ","), (std::vector<long>{1, 8, 14}));
+  EXPECT_EQ(splitPoints("a(b)c(d)", "("), (std::vector<long>{1, 5}));
+  EXPECT_EQ(splitPoints("", ","), std::vector<long>{});
+  EXPECT_EQ(splitPoints("a+b-c", "+-"), (std::vector<long>{1, 3}));
+
+  EXPECT_EQ(findOutside(0, "a(b,c),d", ","), 6);
+  EXPECT_EQ(findOutside(0, "[,(],x", ","), 4);
+  EXPECT_EQ(findOutside(0, "([)]),y", ","), 5);
+  EXPECT_EQ(findOutside(0, "({a,[,]}),b", ","), 9);
+  EXPECT_EQ(findOutside(2, "a,b,c", ","), 3);
+  EXPECT_EQ(findOutside(0, "(a,b)", ","), -1);
+  EXPECT_EQ(findOutside(0, "a(b)", "("), 1);
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,245 @@
+// Number texts <-> bit strings, the bit string primitives, and the binary
+// naturals underneath (checked against simple reference routines).
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <random>
+
+#include "numbers/binary.h"
+#include "numbers/bits.h"
+
+namespace tarn {
+namespace {
+
+uint64_t valueOf(const BitString& b) {
+  uint64_t v = 0;
+  for (size_t i = 0; i < b.size() && i < 8; i++) v |= uint64_t(static_cast<unsigned char>(b[i])) << (8 * i);
+  return v;
+}
+
+// Reference decimal -> little-endian bytes: multiply by 10 and add, per digit.
+BitString refFromDecimal(std::string_view digits) {
+  std::vector<unsigned> bytes;
+  for (char c : digits) {
+    unsigned carry = unsigned(c - '0');
+    for (unsigned& b : bytes) {
+      unsigned v = b * 10 + carry;
+      b = v & 0xff;
+      carry = v >> 8;
+    }
+    while (carry) {
+      bytes.push_back(carry & 0xff);
+      carry >>= 8;
+    }
+  }
+  BitString out;
+  for (unsigned b : bytes) out.push_back(char(b));
+  return out;
+}
+
+// Reference bytes -> decimal: divide by 10 from the top, per digit.
+std::string refDecimal(BitString bytes) {
+  std::string digits;
+  stripZeros(bytes);
+  while (!bytes.empty()) {
+    unsigned rem = 0;
+    for (size_t i = bytes.size(); i-- > 0;) {
+      unsigned v = rem * 256 + static_cast<unsigned char>(bytes[i]);
+      bytes[i] = char(v / 10);
+      rem = v % 10;
+    }
+    digits.push_back(char('0' + rem));
+    stripZeros(bytes);
+  }
+  if (digits.empty()) return "0";
+  return std::string(digits.rbegin(), digits.rend());
+}
+
+// y * 2^shift + low, by the primitives.
+BitString refPlace(const BitString& y, size_t shift, uint64_t low) {
+  BitString out;
+  for (size_t i = 0; i < y.size() * 8; i++)
+    if (getBit(y, i)) setBit(out, i + shift);
+  for (size_t i = 0; i < 64; i++)
+    if ((low >> i) & 1) setBit(out, i);
+  return out;
+}
+
+std::string randomDigits(std::mt19937_64& rng, size_t n) {
+  std::string s(1, char('1' + rng() % 9));
+  while (s.size() < n) s.push_back(char('0' + rng() % 10));
+  return s;
+}
+
+TEST(Bits, TextsOfSmallNumbers) {
+  EXPECT_EQ(valueOf(bitsFromText("5")), 23u);
+  EXPECT_EQ(valueOf(bitsFromText("05")), 21u);
+  EXPECT_EQ(valueOf(bitsFromText("0")), 3u);
+  EXPECT_EQ(valueOf(bitsFromText("00")), 2u);
+  EXPECT_EQ(valueOf(bitsFromText("1")), 7u);
+  EXPECT_EQ(valueOf(bitsFromText("01")), 5u);
+  EXPECT_EQ(valueOf(bitsFromText("2")), 11u);
+  EXPECT_EQ(valueOf(bitsFromText("003")), 14u);
+  EXPECT_EQ(valueOf(bitsFromText("000")), 4u);
+  EXPECT_EQ(valueOf(bitsFromText("0001")), 12u);    // -1.5: bit 2, then 1 from bit 3
+  EXPECT_EQ(valueOf(bitsFromText("0000")), 8u);     // zeros alone: bit z+1
+  EXPECT_EQ(valueOf(bitsFromText("00005")), 88u);   // z = 2: bit 3, then 5 from bit 4
+  EXPECT_EQ(valueOf(bitsFromText("0120")), 481u);   // -120: 4*120 + 1
+  for (const char* t : {"5", "05", "0", "00", "1", "01", "2", "003", "000", "0001", "0000", "00005",
+                        "0120", "18446744073709551615", "018446744073709551616", "00184467440737095516153"}) {
+    EXPECT_EQ(textFromBits(bitsFromText(t)), t);
+  }
+  // Trailing zero bytes carry no meaning.
+  EXPECT_EQ(textFromBits(BitString("\x17\0\0", 3)), "5");
+  EXPECT_EQ(bitsFromText("5").size(), 1u);
+  EXPECT_EQ(bitsFromText("00000000").size(), 1u);   // z = 6: bit 7
+  EXPECT_EQ(bitsFromText("000000000").size(), 2u);  // z = 7: bit 8
+}
+
+TEST(Bits, Primitives) {
+  BitString b;
+  EXPECT_FALSE(getBit(b, 100));
+  EXPECT_TRUE(isAllZero(b));
+  setBit(b, 100, false);
+  EXPECT_TRUE(b.empty());  // clearing beyond the end changes nothing
+  setBit(b, 17);
+  EXPECT_EQ(b.size(), 3u);
+  EXPECT_TRUE(getBit(b, 17));
+  EXPECT_EQ(bitLength(b), 18u);
+  b.append(2, '\0');
+  EXPECT_EQ(bitLength(b), 18u);
+  stripZeros(b);
+  EXPECT_EQ(b.size(), 3u);
+  setBit(b, 17, false);
+  EXPECT_TRUE(isAllZero(b));
+  EXPECT_EQ(bitLength(b), 0u);
+  EXPECT_EQ(bitsOfValue(0), "");
+  EXPECT_EQ(bitsOfValue(0x1234), BitString("\x34\x12", 2));
+  EXPECT_EQ(valueOf(bitsOfValue(~uint64_t(0))), ~uint64_t(0));
+}
+
+// Every form of text, at lengths around the word size and the split
+// thresholds, against the reference conversion.
+TEST(Bits, LongTextsMatchTheReference) {
+  std::mt19937_64 rng(7);
+  for (size_t len : {1, 18, 19, 20, 38, 39, 40, 400, 912, 913, 1500, 2600, 4000}) {
+    std::string y = randomDigits(rng, len);
+    BitString ref = refFromDecimal(y);
+    EXPECT_EQ(bitsFromText(y), refPlace(ref, 2, 3)) << len;
+    EXPECT_EQ(bitsFromText("0" + y), refPlace(ref, 2, 1)) << len;
+    size_t z = rng() % 70;
+    std::string numb = "00" + std::string(z, '0') + y;
+    BitString expect = refPlace(ref, z + 2, 0);
+    setBit(expect, z + 1);
+    EXPECT_EQ(bitsFromText(numb), expect) << len << " z " << z;
+    EXPECT_EQ(textFromBits(expect), numb);
+    EXPECT_EQ(textFromBits(refPlace(ref, 2, 3)), y);
+    EXPECT_EQ(textFromBits(refPlace(ref, 2, 1)), "0" + y);
+    EXPECT_EQ(natDecimal(natFromBytes(ref)), refDecimal(ref));
+  }
+}
+
+// Powers of ten at the split points (long runs of zeros in the low halves)
+// and runs of nines (remainders just below the divisor).
+TEST(Bits, SplitBoundariesRoundTrip) {
+  for (size_t n : {2431, 2432, 2433, 4863, 4864, 9728, 19456, 38912}) {
+    std::string ten = "1" + std::string(n, '0'), nines(n, '9');
+    EXPECT_EQ(textFromBits(bitsFromText(ten)), ten) << n;
+    EXPECT_EQ(textFromBits(bitsFromText(nines)), nines) << n;
+    EXPECT_EQ(natDecimal(natAdd(natFromDecimal(nines), natOf(1))), ten) << n;
+  }
+}
+
+TEST(Bits, HundredThousandDigitsConvertQuickly) {
+  std::mt19937_64 rng(11);
+  std::string y = randomDigits(rng, 100000);
+  auto t0 = std::chrono::steady_clock::now();
+  BitString b = bitsFromText(y);
+  std::string back = textFromBits(b);
+  auto elapsed = std::chrono::steady_clock::now() - t0;
+  [[maybe_unused]] double ms = std::chrono::duration<double, std::milli>(elapsed).count();
+  EXPECT_EQ(back, y);
+  // A spot check against the slow reference on the low bits: y mod 2^64.
+  uint64_t low = 0;
+  for (char c : y) low = low * 10 + uint64_t(c - '0');
+  EXPECT_EQ(natLow(natShiftRight(natFromBytes(b), 2)), low);
+#ifndef TARN_SANITIZE
+  EXPECT_LT(ms, 500.0);
+#endif
+}
+
+// ---- Binary naturals ---------------------------------------------------------------
+
+// Limbs drawn from values that exercise carries and the quotient estimate.
+Natural randomNatural(std::mt19937_64& rng, size_t limbs) {
+  static const Limb edge[] = {0, 1, ~Limb(0), Limb(1) << 63, (Limb(1) << 63) - 1};
+  Natural n;
+  for (size_t i = 0; i < limbs; i++) n.limbs.push_back(rng() % 3 ? rng() : edge[rng() % 5]);
+  if (!n.limbs.empty() && n.limbs.back() == 0) n.limbs.back() = 1;
+  return n;
+}
+
+Natural refMul(const Natural& a, const Natural& b) {
+  std::vector<Limb> r(a.limbs.size() + b.limbs.size() + 1, 0);
+  for (size_t i = 0; i < a.limbs.size(); i++) {
+    unsigned __int128 carry = 0;
+    for (size_t j = 0; j < b.limbs.size(); j++) {
+      unsigned __int128 p = (unsigned __int128)a.limbs[i] * b.limbs[j] + r[i + j] + carry;
+      r[i + j] = Limb(p);
+      carry = p >> 64;
+    }
+    for (size_t k = i + b.limbs.size(); carry; k++) {
+      unsigned __int128 s = (unsigned __int128)r[k] + carry;
+      r[k] = Limb(s);
+      carry = s >> 64;
+    }
+  }
+  while (!r.empty() && r.back() == 0) r.pop_back();
+  return Natural{r};
+}
+
+TEST(Binary, ProductsAndQuotientsAgreeWithReference) {
+  std::mt19937_64 rng(3);
+  const size_t sizes[] = {1, 2, 5, 31, 32, 33, 64, 65, 100, 150, 301};
+  for (size_t an : sizes) {
+    for (size_t bn : sizes) {
+      Natural a = randomNatural(rng, an), b = randomNatural(rng, bn);
+      Natural p = natMul(a, b);
+      ASSERT_EQ(natCompare(p, refMul(a, b)), 0) << an << "x" << bn;
+      Natural q, r;
+      natDivide(p, b, &q, &r);
+      EXPECT_EQ(natCompare(q, a), 0);
+      EXPECT_TRUE(natIsZero(r));
+      Natural c = natAdd(p, randomNatural(rng, bn > 1 ? bn - 1 : 0));
+      natDivide(c, b, &q, &r);
+      EXPECT_LT(natCompare(r, b), 0);
+      EXPECT_EQ(natCompare(natAdd(natMul(q, b), r), c), 0) << an << "/" << bn;
+    }
+  }
+  // A quotient limb whose estimate survives the two-limb test and still is
+  // one too large, so the divisor must be added back.
+  Natural u{{0, 0, Limb(1) << 63, (Limb(1) << 63) - 1}}, v{{1, 0, Limb(1) << 63}};
+  Natural q, r;
+  natDivide(u, v, &q, &r);
+  EXPECT_EQ(natDecimal(q), "18446744073709551614");
+  EXPECT_EQ(natCompare(natAdd(natMul(q, v), r), u), 0);
+  EXPECT_LT(natCompare(r, v), 0);
+}
+
+TEST(Binary, ShiftsReversalAndBits) {
+  Natural a = natFromDecimal("340282366920938463463374607431768211457");  // 2^128 + 1
+  EXPECT_EQ(natBitLength(a), 129u);
+  EXPECT_EQ(natDecimal(natShiftRight(a, 128)), "1");
+  EXPECT_EQ(natDecimal(natLowBits(a, 128)), "1");
+  EXPECT_EQ(natDecimal(natShiftLeft(natOf(3), 65)), "110680464442257309696");
+  EXPECT_EQ(natTrailingZeros(natShiftLeft(natOf(6), 100)), 101u);
+  EXPECT_EQ(natDecimal(natReverseBits(natOf(0b1101), 6)), "44");  // 001101 -> 101100
+  EXPECT_EQ(natDecimal(natReverseBits(a, 129)), natDecimal(a));  // a palindrome
+  EXPECT_EQ(natCompare(natReverseBits(natShiftLeft(natOf(1), 200), 201), natOf(1)), 0);
+  EXPECT_EQ(natDecimal(natSub(a, natOf(2))), "340282366920938463463374607431768211455");
+  EXPECT_EQ(natDecimal(Natural{}), "0");
+  EXPECT_EQ(natDecimal(natFromDecimal("000000000000000000000000000123")), "123");
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,116 @@
+// Annotation: arity, pending work, free letters, data state and kinds.
+#include <gtest/gtest.h>
+
+#include "reduction/annotate.h"
+#include "tests/unit/reduction/machine_fixture.h"
+
+namespace tarn {
+namespace {
+
+using testing::program;
+using testing::term;
+
+class Annotate : public ::testing::Test {
+ protected:
+  void SetUp() override { program("0,ten\\a\\b\\c\\d\\e\\f\\g\\h\\i\\j\\0,eleven\\a\\b\\c\\d\\e\\f\\g\\h\\i\\j\\k\\0"); }
+};
+
+TEST_F(Annotate, LocalLettersAreUnknownAndSticky) {
+  Term a = term("a");
+  EXPECT_EQ(arityOf(a), 11);
+  EXPECT_EQ(freeSet(a), 1u);
+  Term ab = term("a b");
+  EXPECT_EQ(arityOf(ab), 11);
+  EXPECT_EQ(freeSet(ab), 3u);
+  EXPECT_FALSE(ab.node()->pending() && arityOf(ab) < 1);
+}
+
+TEST_F(Annotate, BindersAreValuesWithTheirBodyFreeSet) {
+  Term id = term("a\\a");
+  EXPECT_EQ(freeSet(id), 0u);
+  EXPECT_EQ(arityOf(id), 1);
+  EXPECT_FALSE(id.node()->pending());
+  EXPECT_TRUE(isValue(id));
+  Term open = term("a\\a b");
+  EXPECT_EQ(freeSet(open), 2u);  // b only
+  Term pendingBody = term("a\\K(M M)");
+  EXPECT_TRUE(isValue(pendingBody));
+}
+
+TEST_F(Annotate, DataAndMixedApplications) {
+  Term k = term("K[x]");
+  EXPECT_EQ(arityOf(k), 1);
+  EXPECT_FALSE(k.node()->pending());
+  Term both = App(term("[x]"), term("[yz]"));
+  EXPECT_TRUE(isData(both));
+  EXPECT_EQ(both.node()->size(), 7u);  // the two text lengths
+  EXPECT_EQ(kindOf(both), 'u');
+  Term mixed = App(term("[x]"), term("K"));
+  EXPECT_FALSE(isData(mixed));
+  EXPECT_EQ(arityOf(mixed), 0);
+}
+
+TEST_F(Annotate, WingsBindTheirName) {
+  Term wing = term("a{b}a c");  // ({ a b (a c)): free b and c
+  EXPECT_EQ(freeSet(wing), (1u << 1) | (1u << 2));
+  EXPECT_EQ(arityOf(wing), 0);
+}
+
+TEST_F(Annotate, GlobalArityCountsBindersUpToEleven) {
+  EXPECT_EQ(arityOf(term("ten")), 10);
+  EXPECT_EQ(arityOf(term("eleven")), 11);
+  EXPECT_EQ(arityOf(App(term("eleven"), term("0"))), 11);
+  EXPECT_EQ(arityOf(term("S")), 3);
+  EXPECT_EQ(arityOf(term("plus")), 2);
+  EXPECT_EQ(arityOf(leafByte('+')), 0);  // [+]\plus has no binder
+}
+
+TEST_F(Annotate, LeafArities) {
+  EXPECT_EQ(arityOf(term("123")), 1);
+  EXPECT_EQ(arityOf(leaf(")x")), 1);
+  EXPECT_EQ(arityOf(leaf("]x")), 2);
+  EXPECT_EQ(arityOf(vectorLeaf(2)), 1);
+  EXPECT_EQ(arityOf(blobLeaf("ab")), 1);
+  EXPECT_EQ(arityOf(realLeaf(1.5)), 1);
+  // A product leaf is born with arity 2: applied once it is still a value.
+  Term product = leaf("9801");
+  product.node()->setTop(header::kProductLeafTop);
+  EXPECT_TRUE(isValue(App(product, term("K"))));
+}
+
+TEST_F(Annotate, Kinds) {
+  EXPECT_EQ(kindOf(term("0")), 'i');
+  EXPECT_EQ(kindOf(term("123")), 'i');
+  EXPECT_EQ(kindOf(term("05")), 'i');
+  EXPECT_EQ(kindOf(term("00")), 'o');
+  EXPECT_EQ(kindOf(term("007")), 'o');
+  EXPECT_EQ(kindOf(term("J K x")), 'i');
+  EXPECT_EQ(kindOf(term("J H x")), 'o');
+  EXPECT_EQ(kindOf(term("J Z x")), 'w');
+  EXPECT_EQ(kindOf(term("[ab]")), 'u');
+  EXPECT_EQ(kindOf(blobLeaf("ab")), 'a');
+  EXPECT_EQ(kindOf(realLeaf(2.0)), 'e');
+  EXPECT_EQ(kindOf(vectorLeaf(0)), 'k');
+  EXPECT_EQ(kindOf(term("S")), 'w');
+  EXPECT_EQ(kindOf(term("Z")), 'w');
+}
+
+TEST_F(Annotate, LazyHeadsByByteOnly) {
+  for (const char* lazy : {"K", "I", "B (M M)", "J 1", "Z", "L"}) EXPECT_TRUE(isLazyHead(term(lazy))) << lazy;
+  EXPECT_TRUE(isLazyHead(App(leafByte('&'), leaf("1"))));
+  EXPECT_TRUE(isLazyHead(leafByte('|')));
+  for (const char* strict : {"S", "M", "W", "Y", "G", "O", "P", "plus", "1", "a\\a", "[x]"})
+    EXPECT_FALSE(isLazyHead(term(strict))) << strict;
+  program("0,K\\a\\b\\b a");  // a redefined capital keeps its byte's laziness
+  EXPECT_TRUE(isLazyHead(term("K")));
+}
+
+TEST_F(Annotate, SpineShapes) {
+  EXPECT_EQ(spineShape(term("a\\b")), 'u');
+  EXPECT_EQ(spineShape(term("a{b}c")), 'i');
+  EXPECT_EQ(spineShape(term("f a b")), 'o');
+  EXPECT_EQ(spineShape(term("x")), 'o');
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,206 @@
+// The machine: evaluation order by head, the step rules, and the rewrite
+// rules for each kind of head.
+#include <gtest/gtest.h>
+
+#include "frontend/tables.h"
+#include "numbers/model.h"
+#include "reduction/annotate.h"
+#include "reduction/coded.h"
+#include "tests/unit/reduction/machine_fixture.h"
+
+namespace tarn {
+namespace {
+
+using testing::program;
+using testing::reduced;
+using testing::term;
+
+// Runs the machine for n steps from a control term; returns (K X) printed.
+std::string afterSteps(const std::string& source, int n) {
+  Machine m;
+  m.control = term(source);
+  for (int i = 0; i < n; i++) step(m);
+  return dumpMachine(m);
+}
+
+std::string captured(const std::string& source) {
+  ::testing::internal::CaptureStdout();
+  std::string value = reduced(source);
+  std::fflush(stdout);
+  return ::testing::internal::GetCapturedStdout() + "=" + value;
+}
+
+class Machine_ : public ::testing::Test {
+ protected:
+  void SetUp() override { program("0,seq\\x\\y\\y,fst\\x\\y\\x,two\\x\\y\\seq x y"); }
+};
+
+TEST_F(Machine_, LazyHeadsIgnoreUnusedArgumentsStrictHeadsDoNot) {
+  EXPECT_EQ(reduced("K 5 (M M)"), "5");  // M M never terminates
+  EXPECT_EQ(captured("K 5 (puts [x])"), "=5");
+  // A lower-case function is strict in all its arguments.
+  EXPECT_EQ(captured("fst 5 (puts [x])"), "[x]\n=5");
+  // A redefined capital keeps its byte's laziness, or strictness.
+  program("0,N\\x\\y\\x,S\\x\\y\\x");
+  EXPECT_EQ(captured("N 5 (puts [x])"), "=5");
+  EXPECT_EQ(captured("S 5 (puts [x])"), "[x]\n=5");
+}
+
+TEST_F(Machine_, StrictHeadsEvaluateAnArgumentOnceBeforeCopyingIt) {
+  // S two I c = two c (I c): c is brought to a value before S copies it, so
+  // its side effect happens once.
+  EXPECT_EQ(captured("S two I (seq (puts [x]) 7)"), "[x]\n=7");
+  // Function part first, then the argument, from the outside in.
+  EXPECT_EQ(captured("two (seq (puts [a]) 1) (seq (puts [b]) 2)"), "[a]\n[b]\n=2");
+}
+
+TEST_F(Machine_, OverApplicationPushesArgumentFrames) {
+  // fst has two parameters: (fst 1 2 3) has arity -1.
+  EXPECT_EQ(afterSteps("fst 1 2 3", 1), "(BI T3 (fst1 2))");
+  // The function part reaches a value and the frame reapplies it.
+  EXPECT_EQ(reduced("fst K 2 5"), "K5");
+}
+
+TEST_F(Machine_, PendingPartsAreEvaluatedFunctionFirst) {
+  // Rule 5b: (I (K 1)) is pending on the left: evaluated with 2 waiting.
+  EXPECT_EQ(afterSteps("two (I 1) (I 2)", 1), "(BI (T I2) (two I1))");
+  // Rule 5c: left a value, the argument goes to control.
+  EXPECT_EQ(afterSteps("two 1 (I 2)", 1), "(BI two1 I2)");
+}
+
+TEST_F(Machine_, LazyPartialApplicationsTakeWaitingFramesFirst) {
+  // (C K (M M)) is pending, but C is lazy and an argument frame waits: it is
+  // saturated, and K drops (M M) without ever evaluating it.
+  EXPECT_EQ(reduced("I (C K (M M)) 5"), "5");
+}
+
+TEST_F(Machine_, WingsAreStrictInTheValueLazyInTheBody) {
+  EXPECT_EQ(reduced("x{I 4}K x (M M)"), "4");
+  // An unevaluated value becomes a binder frame first.
+  EXPECT_EQ(afterSteps("x{I 4}x", 1), "(BI (\\x x) I4)");
+}
+
+TEST_F(Machine_, ValueNeedsNoStep) {
+  uint64_t before = machineSteps();
+  EXPECT_EQ(reduced("S K"), "SK");
+  EXPECT_EQ(machineSteps(), before);
+}
+
+TEST_F(Machine_, ParameterlessDefinitionsAreEvaluatedOnceAndWrittenBack) {
+  program("0,seq\\x\\y\\y,gg\\seq(puts[g])(K 4 5),hh()\\seq(puts[h])6,loop\\I loop,qq\\I(x\\x)");
+  EXPECT_EQ(captured("K gg gg"), "[g]\n=4");
+  EXPECT_EQ(captured("K gg gg"), "=4");  // memoised: no second side effect
+  EXPECT_EQ(textOf(*findGlobal("gg")), "4");
+  EXPECT_EQ(captured("seq hh hh"), "[h]\n[h]\n=6");  // a call form runs at every use
+  // A definition that needs its own value ends with the marker ")name", and
+  // its entry stays ")".
+  Term r = reduce(term("loop"));
+  EXPECT_EQ(textOf(r), ")loop");
+  EXPECT_EQ(textOf(*findGlobal("loop")), ")");
+  EXPECT_EQ(textOf(reduce(term("loop"))), ")loop");
+  // A memoised binder is stored as (B I binder) and still works as a function.
+  EXPECT_EQ(reduced("qq 7"), "7");
+  EXPECT_EQ(printTerm(*findGlobal("qq")), "(BI (\\x x))");
+}
+
+TEST_F(Machine_, UndefinedNamesEndTheEvaluation) {
+  // A name whose entry went away after its leaf was annotated (as when a
+  // program rewrites a leaf's bytes) ends the evaluation however deep the
+  // continuation is.
+  program("0,seq\\x\\y\\y,two\\x\\y\\seq x y,nothing_here\\x\\x");
+  Term t = term("two 1 (two 2 (two 3 (nothing_here 4)))");
+  annotate(t);
+  eraseGlobal("nothing_here");
+  EXPECT_EQ(textOf(reduce(t)), "]nothing_here");
+  EXPECT_EQ(printTerm(leaf("]nothing_here")), "()");
+}
+
+TEST_F(Machine_, VectorAccess) {
+  Term v = vectorLeaf(3);
+  setElement(v, 0, leaf("7"));
+  setElement(v, 2, leaf("9"));
+  auto apply = [&](Term a) { return printTerm(reduce(App(v, std::move(a)))); };
+  EXPECT_EQ(apply(leaf("0")), "K");
+  EXPECT_EQ(apply(leaf("1")), "H");   // empty slot
+  EXPECT_EQ(apply(leaf("01")), "K");  // -1 is slot 2
+  EXPECT_EQ(apply(leaf("04")), "Z");
+  EXPECT_EQ(apply(leaf("3")), "Z");
+  EXPECT_EQ(apply(leaf("002")), "Z");  // not an integer
+  EXPECT_EQ(apply(leafByte('Z')), "(J7 (JZ J9K))");
+  Term empty = vectorLeaf(0);
+  Term made = reduce(App(empty, leaf("5")));
+  EXPECT_EQ(made.first(), '\n');
+  EXPECT_EQ(made.node()->size(), 5u);
+  EXPECT_EQ(printTerm(reduce(App(empty, leaf("67108864")))), "Z");  // 0x4000000
+  EXPECT_EQ(printTerm(reduce(App(empty, leaf("01")))), "Z");
+}
+
+TEST_F(Machine_, NumbersOpenIntoTheirFirstCell) {
+  EXPECT_EQ(reduced("5 K"), "VK2");    // list K,K,H,K: tail "2"
+  EXPECT_EQ(reduced("4 K"), "VK02");   // tail of 4 is the list of -1 shifted
+  EXPECT_EQ(reduced("0 K"), "VKK");
+  EXPECT_EQ(reduced("00 K"), "VHK");
+  EXPECT_EQ(reduced("003 K"), "VH1");  // 1.5: [H,K,K,...]
+  EXPECT_EQ(printTerm(numberHead("001")), "H");
+  EXPECT_EQ(printTerm(numberTail("1")), "0");
+}
+
+TEST_F(Machine_, DataOpensAsATaggedTree) {
+  EXPECT_EQ(reduced("[[a][b]] G"), "V[[a]][b]");
+  EXPECT_EQ(reduced("[] V"), "(V XJ K)");  // the general rule, also for G:
+  EXPECT_EQ(afterSteps("[] G", 1), "(I (G XJ K))");
+  EXPECT_EQ(reduced("[[]] V"), "(V XJ JKK)");
+  EXPECT_EQ(printTerm(encodeData(term("[[][[]]]"))), "(J JKK JKK)");
+}
+
+TEST_F(Machine_, BlobsOpenIntoBalancedHalves) {
+  auto open = [](std::string bytes) { return printTerm(reduce(App(blobLeaf(bytes), leafByte('K')))); };
+  EXPECT_EQ(open(""), "Z");
+  EXPECT_EQ(open("ab"), "(V cape[a] cape[b])");
+  EXPECT_EQ(open("abcde"), "(V cape[abcd] cape[e])");
+  // One byte opens to its bits under V: 'A' is 65 = bits 0 and 6.
+  EXPECT_EQ(open("A"), "(V (J JIH JHH) (J JHH JIH))");
+  Term bytes = byteTree(blobLeaf("A"));
+  EXPECT_FALSE(isByteTree(bytes));  // the opened form has V on top
+  Term coded = App2(leafByte('J'), bytes.left().right(), bytes.right());
+  EXPECT_TRUE(isByteTree(coded));
+  EXPECT_EQ(byteValue(coded), 65);
+}
+
+TEST_F(Machine_, RealsOpenIntoSixtyFourBits) {
+  Term tree = realTree(realLeaf(-0.0));  // only bit 63 is set
+  const Term* t = &tree;
+  for (int level = 0; level < 6; level++) t = &t->right();
+  EXPECT_EQ(printTerm(*t), "K");
+  EXPECT_EQ(printTerm(tree.left().right().left().right().left().right().left().right()), "(V VHH VHH)");
+  EXPECT_EQ(reduced("V") , "V");
+}
+
+TEST_F(Machine_, CodedTextAndData) {
+  Term a = App2(leafByte('J'), byteTree(blobLeaf("a")).left().right(), byteTree(blobLeaf("a")).right());
+  Term text = App2(leafByte('J'), a, App2(leafByte('J'), a, leafByte('K')));
+  EXPECT_TRUE(isCodedText(text));
+  EXPECT_EQ(codedText(text), "aa");
+  EXPECT_EQ(printTerm(codedData(term("J K (J K K)"))), "[[[]]]");
+  EXPECT_EQ(printTerm(codedData(term("J K 5"))), "Z");
+}
+
+TEST_F(Machine_, SubstitutionSharesWhatHoldsNoLetter) {
+  Term body = term("(f x)(g y)");
+  Term value = leaf("7");
+  Term r = substitute(body, value, 'x');
+  EXPECT_EQ(printTerm(r), "(f7 (g y))");
+  EXPECT_TRUE(r.right().same(body.right()));
+  EXPECT_TRUE(r.left().right().same(value));
+  // Into a binder of the same letter nothing changes; into a wing binding
+  // the letter only the bound value changes.
+  Term binder = term("x\\x y");
+  EXPECT_TRUE(substitute(binder, value, 'x').same(binder));
+  Term wing = term("x{x}x");
+  Term w = substitute(wing, value, 'x');
+  EXPECT_EQ(printTerm(w), "{x7x");
+  EXPECT_TRUE(w.right().same(wing.right()));
+}
+
+}  // namespace
+}  // namespace tarn

@@ -1,0 +1,211 @@
+// Positions, names, the byte table, bracket codes, the shorthand and the
+// bracket-tree operations.
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "terms/alphabet.h"
+#include "terms/texts.h"
+
+namespace tarn {
+namespace {
+
+// The lists that the bytes "a" (table entry 54) and 0 (entry 19) stand for:
+// bracketCode(199) and bracketCode(164), worked out along the square shells.
+constexpr std::string_view kListOfA = "[[[]][[][]][[]]]";
+constexpr std::string_view kListOfNul = "[[[[]][[]]][[][]][][]]";
+
+TEST(Texts, PositionTextsAreFiveAlphabetDigits) {
+  EXPECT_EQ(positionText(0), "_____");
+  EXPECT_EQ(positionText(1), "____a");
+  EXPECT_EQ(positionText(19), "____u");
+  EXPECT_EQ(positionText(20), "____s");
+  EXPECT_EQ(positionText(64), "___a_");
+  EXPECT_EQ(positionText(4094), "___~Y");
+  EXPECT_EQ(positionText(0x3fffffff), "~~~~~");
+  EXPECT_EQ(positionText(0x40000000), "!!!!!");
+  EXPECT_DEATH(positionText(-1), "ASSERTION FAILED");
+  EXPECT_DEATH(positionText(0x40000001), "ASSERTION FAILED");
+  EXPECT_EQ(digitValue('u'), 19);
+  EXPECT_EQ(digitValue('s'), 20);
+  EXPECT_EQ(digitValue('Z'), 60);
+  EXPECT_EQ(digitValue('~'), 63);
+}
+
+TEST(Texts, NameShapes) {
+  for (std::string_view yes : {"+", "plus_one", "_", "A", "Z", "\x01", "\x1f", "\x7f", "\xff", "{", ",", "?"})
+    EXPECT_TRUE(isName(yes)) << yes;
+  for (std::string_view no : {"", "plus1", "Ab", "aB", "0", " ", "[", "]", "(", ")", "[+]", "++", "\n\n"})
+    EXPECT_FALSE(isName(no)) << no;
+
+  for (std::string_view yes : {"[+]", "[\\]", "[{]", "[,]", "plus_one", "A", "\x05", "\x80"})
+    EXPECT_TRUE(isDefinableName(yes)) << yes;
+  for (std::string_view no : {"+", "{", "", "[A]", "[[]", "[+", "plus1", "[ab]"})
+    EXPECT_FALSE(isDefinableName(no)) << no;
+
+  EXPECT_EQ(plainName("[+]"), "+");
+  EXPECT_EQ(plainName("[\\]"), "\\");
+  EXPECT_EQ(plainName("plus"), "plus");
+  EXPECT_EQ(plainName("S"), "S");
+  EXPECT_DEATH((void)plainName("+"), "ASSERTION FAILED");
+
+  EXPECT_TRUE(isLocalLetter("a"));
+  EXPECT_TRUE(isLocalLetter("z"));
+  EXPECT_FALSE(isLocalLetter("ab"));
+  EXPECT_FALSE(isLocalLetter("A"));
+  EXPECT_FALSE(isLocalLetter("_"));
+  EXPECT_FALSE(isLocalLetter(""));
+}
+
+TEST(Texts, ByteTablePairs) {
+  struct Pair {
+    uint8_t cls;
+    unsigned char glyph;
+    int byte;
+  };
+  // The class-2 code at its edges, then classes 1 and 3.
+  const Pair pairs[] = {{2, 'J', 0},   {2, 'j', 0},   {2, 'A', 1},   {2, 'i', 9},    {2, ',', 10},
+                        {2, 'K', 11},  {2, 'z', 26},  {2, '(', 27},  {2, '[', 31},   {2, '_', 32},
+                        {2, '~', 127}, {2, '!', 128}, {2, '\\', 143}, {2, '?', 150}, {2, '0', 151},
+                        {2, '9', 160}, {2, ']', 255}, {1, 'A', 193}, {1, '?', 191},  {3, '[', '['}};
+  for (const Pair& p : pairs) EXPECT_EQ(byteOfPair(p.cls, p.glyph), p.byte) << p.glyph;
+  // Table entries at the run boundaries: index, byte.
+  const int entries[][2] = {{0, 151},       {9, 160},         {52, 32},  {53, '_'}, {144, ','},
+                            {145, '_' + 128}, {236, ',' + 128}, {238, ']' + 128},       {239, 31},
+                            {245, 10},      {246, '['},       {247, ']'}, {255, 150}};
+  for (const auto& e : entries) EXPECT_EQ(tableByte(e[0]), e[1]) << e[0];
+  // Every byte is denoted exactly once.
+  std::set<int> seen;
+  for (int i = 0; i < 256; i++) {
+    seen.insert(tableByte(i));
+    EXPECT_EQ(tableIndexOf(tableByte(i)), i);
+  }
+  EXPECT_EQ(seen.size(), 256u);
+  EXPECT_DEATH(byteOfPair(2, ' '), "ASSERTION FAILED");
+  EXPECT_DEATH(byteOfPair(2, 200), "ASSERTION FAILED");
+}
+
+TEST(Texts, BlobLengthsFromTheirCount) {
+  EXPECT_EQ(textOf(leaf("()")), "()");
+  EXPECT_EQ(textOf(leaf(std::string_view("(b)x\0yz", 7))), std::string_view("(b)x\0", 5));
+}
+
+TEST(Texts, BracketCodes) {
+  EXPECT_EQ(bracketCode(0), "[]");
+  EXPECT_EQ(bracketCode(1), "[[]]");
+  EXPECT_EQ(bracketCode(2), "[[][]]");
+  EXPECT_EQ(bracketCode(3), "[[[]]]");
+  EXPECT_EQ(bracketCode(4), "[[[]][]]");
+  EXPECT_EQ(bracketCode(5), "[[][][]]");
+  EXPECT_EQ(bracketCode(199), kListOfA);
+  EXPECT_EQ(bracketCode(164), kListOfNul);
+  // The numbering is one-to-one, and every code is a balanced list.
+  std::set<std::string_view> codes;
+  for (int n = 0; n <= 676; n++) {
+    std::string_view c = bracketCode(n);
+    codes.insert(c);
+    long depth = 0;
+    for (size_t i = 0; i < c.size(); i++) {
+      depth += c[i] == '[' ? 1 : -1;
+      ASSERT_TRUE(depth > 0 || i + 1 == c.size()) << n;
+    }
+    EXPECT_EQ(depth, 0);
+  }
+  EXPECT_EQ(codes.size(), 677u);
+  EXPECT_DEATH((void)bracketCode(677), "ASSERTION FAILED");
+}
+
+TEST(Texts, ShorthandBothWays) {
+  EXPECT_EQ(shorthandText('a'), kListOfA);
+  EXPECT_EQ(shorthandByte(kListOfA), 'a');
+  EXPECT_EQ(shorthandText(0), kListOfNul);
+  EXPECT_EQ(shorthandByte(kListOfNul), 0);
+  EXPECT_EQ(shorthandText(151), bracketCode(145));  // table entry 0
+  EXPECT_TRUE(shorthandText('[').empty());
+  EXPECT_TRUE(shorthandText(']').empty());
+  EXPECT_EQ(shorthandByte("[]"), -1);
+  EXPECT_EQ(shorthandByte("a"), -1);
+  EXPECT_EQ(shorthandByte(bracketCode(144)), -1);
+  EXPECT_EQ(shorthandByte(bracketCode(401)), -1);
+  int keys = 0;
+  for (int b = 0; b < 256; b++) {
+    if (b == '[' || b == ']') continue;
+    std::string_view text = shorthandText(static_cast<unsigned char>(b));
+    EXPECT_EQ(text, bracketCode(tableIndexOf(static_cast<unsigned char>(b)) + 145));
+    EXPECT_EQ(shorthandByte(text), b);
+    keys++;
+  }
+  EXPECT_EQ(keys, 254);
+}
+
+TEST(Texts, BracketLeftAndRightOfTexts) {
+  EXPECT_EQ(bracketLeftText("[[a][b]]"), "[[a]]");
+  EXPECT_EQ(bracketRightText("[[a][b]]"), "[b]");
+  // A one-byte last element comes out as its list.
+  EXPECT_EQ(bracketLeftText("[xa]"), "[x]");
+  EXPECT_EQ(bracketRightText("[xa]"), kListOfA);
+  EXPECT_EQ(bracketLeftText("[a]"), "[]");
+  EXPECT_EQ(bracketLeftText("[[]]"), "[]");
+  EXPECT_EQ(bracketRightText("[[]]"), "[]");
+  EXPECT_EQ(bracketLeftText("[x[[]a]]"), "[x]");
+  EXPECT_EQ(bracketRightText("[x[[]a]]"), "[[]a]");
+  EXPECT_EQ(bracketRightText(std::string_view("[a\0]", 4)), kListOfNul);
+  EXPECT_DEATH((void)bracketLeftText("[]"), "ASSERTION FAILED");
+  EXPECT_DEATH((void)bracketRightText("[]"), "ASSERTION FAILED");
+
+  // Splitting and joining again gives the text back, shorthand included.
+  for (std::string_view t : {"[xa]", "[[a][b]]", "[x[[]a]]", "[[]]", "[ab c]"})
+    EXPECT_EQ(bracketJoin(bracketLeftText(t), bracketRightText(t)), t) << t;
+}
+
+TEST(Texts, BracketLeftAndRightOfTerms) {
+  Term l = leaf("[x]"), r = leaf("[y]");
+  Term pair = App(l, r);
+  EXPECT_TRUE(bracketLeft(pair).same(l));
+  EXPECT_TRUE(bracketRight(pair).same(r));
+  Term text = leaf("[xa]");
+  Term left = bracketLeft(text), right = bracketRight(text);
+  EXPECT_EQ(textOf(left), "[x]");
+  EXPECT_EQ(textOf(right), kListOfA);
+  EXPECT_EQ(right.node()->size(), kListOfA.size());  // a proper bracket leaf
+  Term empty = leaf("[]");
+  EXPECT_DEATH((void)bracketLeft(empty), "ASSERTION FAILED");
+}
+
+TEST(Texts, JoinContractsShorthand) {
+  EXPECT_EQ(bracketJoin("[x]", kListOfA), "[xa]");
+  EXPECT_EQ(bracketJoin("[]", kListOfNul), std::string("[\0]", 3));
+  EXPECT_EQ(bracketJoin("[]", "[]"), "[[]]");
+  EXPECT_EQ(bracketJoin("[a]", "[b]"), "[a[b]]");
+  EXPECT_EQ(bracketJoin("[]", "[[]]"), "[[[]]]");
+}
+
+TEST(Texts, FlattenJoinsChildren) {
+  EXPECT_EQ(flatten(leaf("[ab]")), "[ab]");
+  EXPECT_EQ(flatten(App(leaf("[x]"), leaf(kListOfA))), "[xa]");
+  EXPECT_EQ(flatten(App(App(leaf("[]"), leaf("[x]")), leaf("[]"))), "[[x][]]");
+  // A right part that flattens to a shorthand list is contracted too.
+  std::string keyLeft = bracketLeftText(kListOfA), keyRight = bracketRightText(kListOfA);
+  EXPECT_EQ(flatten(App(leaf("[x]"), App(leaf(keyLeft), leaf(keyRight)))), "[xa]");
+  // A nested list that is no key stays as it is.
+  EXPECT_EQ(flatten(App(leaf("[]"), App(leaf("[]"), leaf(kListOfA)))), "[[a]]");
+}
+
+TEST(Texts, FlattenDeepTrees) {
+  // A list of a million characters built by appending, and a tree nested a
+  // hundred thousand deep on the right.
+  constexpr int kLong = 1000000, kDeep = 100000;
+  Term list = leaf("[]");
+  Term a = leaf(kListOfA);
+  for (int i = 0; i < kLong; i++) list = App(std::move(list), a);
+  std::string flat = flatten(list);
+  EXPECT_EQ(flat.size(), size_t(kLong) + 2);
+  EXPECT_EQ(flat, "[" + std::string(kLong, 'a') + "]");
+
+  Term nest = leaf("[]");
+  for (int i = 0; i < kDeep; i++) nest = App(leaf("[]"), std::move(nest));
+  EXPECT_EQ(flatten(nest), std::string(kDeep + 1, '[') + std::string(kDeep + 1, ']'));
+}
+
+}  // namespace
+}  // namespace tarn
