@@ -188,7 +188,8 @@ std::string centFrom(const Hint& x, const Hint& y, const Division& d) {
   return textOfLimbs(false, b);
 }
 
-// A power of more than 10^13 digits cannot be held by any memory.
+// A power of more than 10^13 digits cannot be held by any memory: asking for
+// one ends the program at once, as the exhaustion of memory would later.
 constexpr double kMaxPowerLog10 = 13;
 
 // log10 of a magnitude, from its leading digits and its length.
@@ -307,7 +308,7 @@ std::string hintPowaText(std::string_view base, std::string_view exponent) {
   while (m.back() == '0') m.remove_suffix(1), zeros++;
   double logDigits = approxLog10(e.digits) + std::log10(approxLog10(m) + double(zeros));
   if (logDigits > kMaxPowerLog10) TARN_FAIL();  // no memory could hold the result
-  uint64_t n = smallMagnitude(e.digits);  // below 10^13 here
+  uint64_t n = smallMagnitude(e.digits);  // below 10^14 here
   std::string text;
   if (m == "1") {
     text = negative ? "01" : "1";

@@ -169,7 +169,7 @@ std::string limbsDump(const Limb* a, size_t n) {
   for (size_t k = n; k-- > 0;) {
     if (n > 8 && k == n - 5) {
       s += " ...";
-      k = 4;
+      k = 3;
     }
     write8(buf, a[k]);
     s += k + 1 == n ? " " : "|";

@@ -230,6 +230,10 @@ TEST(DecimalLimbs, TextRoundTrip) {
   EXPECT_EQ(a[0], 12345678u);  // base 10^8, lowest limb first
   EXPECT_EQ(a[1], 34567890u);
   EXPECT_EQ(a[2], 12u);
+  EXPECT_EQ(limbsDump(a.data(), a.size()), "[3 limbs] 00000012|34567890|12345678");
+  Limbs b = limbsFromDigits(std::string(79, '7') + "1");  // ten limbs
+  EXPECT_EQ(limbsDump(b.data(), b.size()),
+            "[10 limbs] 77777777|77777777|77777777|77777777 ...|77777777|77777777|77777777|77777771");
   EXPECT_TRUE(limbsFromDigits("0000").empty());
   EXPECT_EQ(limbsFromDigits("000000000000000000012").size(), 1u);
 }
