@@ -66,38 +66,89 @@ char* writeBackwards(uint64_t v, char* end) {
   return end;
 }
 
-std::string textOfSmall(bool negative, uint64_t magnitude) {
-  char buf[24];
-  char* end = buf + sizeof buf;
-  char* p = writeBackwards(magnitude, end);
-  if (negative && magnitude != 0) *--p = '0';
-  return std::string(p, size_t(end - p));
+// Digits of v (below 10^38), written backwards ending at `end`.
+char* writeWideBackwards(u128 v, char* end) {
+  if (v >> 64 == 0) return writeBackwards(uint64_t(v), end);
+  constexpr uint64_t kTen19 = 10000000000000000000ull;
+  char* p = writeBackwards(uint64_t(v % kTen19), end);
+  while (p > end - 19) *--p = '0';
+  return writeBackwards(uint64_t(v / kTen19), p);
 }
 
-std::string textOfWide(bool negative, u128 magnitude) {
-  if (magnitude >> 64 == 0) return textOfSmall(negative, uint64_t(magnitude));
-  // Below 10^38: the low 19 digits, then the rest.
-  constexpr uint64_t kTen19 = 10000000000000000000ull;
+// A result before it is written out: its sign and its magnitude in one of
+// three forms, plus zeros to append (powers of a base ending in zeros).
+struct Result {
+  enum class Form { kWide, kLimbs, kDigits };
+  Form form = Form::kWide;
+  bool negative = false;
+  u128 wide = 0;            // kWide
+  Limbs limbs;              // kLimbs, not necessarily normalized
+  std::string_view digits;  // kDigits: a magnitude taken from an operand
+  size_t zeros = 0;
+};
+
+Result wideResult(bool negative, u128 magnitude) {
+  Result r;
+  r.negative = negative;
+  r.wide = magnitude;
+  return r;
+}
+
+Result limbsResult(bool negative, Limbs&& magnitude) {
+  Result r;
+  r.form = Result::Form::kLimbs;
+  r.negative = negative;
+  r.limbs = std::move(magnitude);
+  return r;
+}
+
+// Writes a result into the sink: the length first (a zero magnitude has no
+// sign and no appended zeros), then the text in place.
+void emit(const Result& r, TextSink out) {
   char buf[48];
   char* end = buf + sizeof buf;
-  uint64_t low = uint64_t(magnitude % kTen19);
-  char* p = writeBackwards(low, end);
-  while (p > end - 19) *--p = '0';
-  p = writeBackwards(uint64_t(magnitude / kTen19), p);
-  if (negative) *--p = '0';
-  return std::string(p, size_t(end - p));
+  const char* wideText = nullptr;
+  size_t count = 0, n = 0;
+  bool zero = false;
+  switch (r.form) {
+    case Result::Form::kWide:
+      wideText = writeWideBackwards(r.wide, end);
+      count = size_t(end - wideText);
+      zero = r.wide == 0;
+      break;
+    case Result::Form::kLimbs:
+      n = natLength(r.limbs.data(), r.limbs.size());
+      count = digitCount(r.limbs.data(), n);
+      zero = n == 0;
+      break;
+    case Result::Form::kDigits:
+      count = r.digits.size();
+      zero = r.digits == "0";
+      break;
+  }
+  const bool sign = r.negative && !zero;
+  const size_t zeros = zero ? 0 : r.zeros;
+  char* p = out.room(out.context, size_t(sign) + count + zeros);
+  if (sign) *p++ = '0';
+  if (r.form == Result::Form::kWide) std::memcpy(p, wideText, count);
+  else if (r.form == Result::Form::kLimbs) writeDigits(p, r.limbs.data(), n);
+  else std::memcpy(p, r.digits.data(), count);
+  if (zeros) std::memset(p + count, '0', zeros);
 }
 
-std::string textOfLimbs(bool negative, const Limb* a, size_t n) {
-  n = natLength(a, n);
-  if (n == 0) return "0";
-  size_t len = digitCount(a, n);
-  std::string s(len + (negative ? 1 : 0), '0');
-  writeDigits(s.data() + (negative ? 1 : 0), a, n);
+std::string textOf(const Result& r) {
+  if (r.form == Result::Form::kWide && r.zeros == 0) {
+    // The common short result, built in place.
+    char buf[48];
+    char* end = buf + sizeof buf;
+    char* p = writeWideBackwards(r.wide, end);
+    if (r.negative && r.wide != 0) *--p = '0';
+    return std::string(p, size_t(end - p));
+  }
+  std::string s;
+  emit(r, stringSink(s));
   return s;
 }
-
-std::string textOfLimbs(bool negative, const Limbs& a) { return textOfLimbs(negative, a.data(), a.size()); }
 
 Limbs limbsOf(const Hint& h) { return limbsFromDigits(h.digits); }
 
@@ -109,13 +160,13 @@ int compareDigits(std::string_view a, std::string_view b) {
 }
 
 // x + y with y's sign given separately (subtraction flips it).
-std::string addSigned(const Hint& x, bool yNegative, std::string_view yDigits) {
+Result addOf(const Hint& x, bool yNegative, std::string_view yDigits) {
   Hint y{yNegative, yDigits};
   if (y.isZero()) y.negative = false;
   if (x.isSmall() && y.isSmall()) {
     int64_t a = int64_t(smallMagnitude(x.digits)), b = int64_t(smallMagnitude(y.digits));
     int64_t s = (x.negative ? -a : a) + (y.negative ? -b : b);  // |s| < 2 * 10^18
-    return smallHintText(s);
+    return wideResult(s < 0, u128(s < 0 ? -s : s));
   }
   Limbs a = limbsOf(x), b = limbsOf(y);
   if (x.negative == y.negative) {
@@ -124,17 +175,34 @@ std::string addSigned(const Hint& x, bool yNegative, std::string_view yDigits) {
     const Limbs& small = a.size() >= b.size() ? b : a;
     Limbs sum(big.size() + 1);
     sum[big.size()] = natAdd(sum.data(), big.data(), big.size(), small.data(), small.size());
-    return textOfLimbs(x.negative, sum);
+    return limbsResult(x.negative, std::move(sum));
   }
   // Opposite signs: the smaller magnitude comes off the larger, whose sign
   // wins; equal magnitudes give zero.
   int c = natCompare(a.data(), a.size(), b.data(), b.size());
-  if (c == 0) return "0";
+  if (c == 0) return wideResult(false, 0);
   const Limbs& big = c > 0 ? a : b;
   const Limbs& small = c > 0 ? b : a;
   Limbs diff(big.size());
   natSub(diff.data(), big.data(), big.size(), small.data(), small.size());
-  return textOfLimbs(c > 0 ? x.negative : y.negative, diff);
+  return limbsResult(c > 0 ? x.negative : y.negative, std::move(diff));
+}
+
+Result mulOf(std::string_view x, std::string_view y) {
+  Hint a = hintOf(x), b = hintOf(y);
+  if (a.isZero() || b.isZero()) return wideResult(false, 0);
+  bool negative = a.negative != b.negative;
+  if (a.isSmall() && b.isSmall()) return wideResult(negative, u128(smallMagnitude(a.digits)) * smallMagnitude(b.digits));
+  // One factor of a single limb: a linear pass over the other.
+  if (b.digits.size() > a.digits.size()) std::swap(a, b);
+  if (b.digits.size() <= size_t(kLimbDigits)) {
+    Limbs m = limbsFromDigits(a.digits, 1);
+    size_t n = m.size();
+    m.resize(n + 1);
+    m[n] = natMulSmall(m.data(), m.data(), n, Limb(smallMagnitude(b.digits)));
+    return limbsResult(negative, std::move(m));
+  }
+  return limbsResult(negative, mulLimbs(limbsOf(a), limbsOf(b)));
 }
 
 // Magnitude quotient and remainder, with the rounding and remainder rules of
@@ -161,9 +229,10 @@ Division divideMagnitudes(const Hint& x, const Hint& y) {
 
 // Floor quotient: the magnitude rounds up when the signs differ and the
 // division leaves a remainder; the result is negative when the signs differ.
-std::string overFrom(const Hint& x, const Hint& y, Division& d) {
+// Takes d's quotient limbs.
+Result overOf(const Hint& x, const Hint& y, Division& d) {
   bool differ = x.negative != y.negative;
-  if (d.small) return textOfSmall(differ, d.q + (differ && d.r != 0 ? 1 : 0));
+  if (d.small) return wideResult(differ, d.q + (differ && d.r != 0 ? 1 : 0));
   if (differ && !d.rl.empty()) {
     size_t n = d.ql.size();
     d.ql.resize(n + 1);
@@ -171,21 +240,18 @@ std::string overFrom(const Hint& x, const Hint& y, Division& d) {
     Limb one = 1;
     natAdd(d.ql.data(), d.ql.data(), n + 1, &one, 1);
   }
-  return textOfLimbs(differ, d.ql);
+  return limbsResult(differ, std::move(d.ql));
 }
 
 // Never-negative remainder: r for equal signs, |y| - r for differing signs
-// (0 when r is 0).
-std::string centFrom(const Hint& x, const Hint& y, const Division& d) {
+// (0 when r is 0). May take d's remainder limbs.
+Result centOf(const Hint& x, const Hint& y, Division& d) {
   bool differ = x.negative != y.negative;
-  if (d.small) {
-    if (!differ || d.r == 0) return textOfSmall(false, d.r);
-    return textOfSmall(false, smallMagnitude(y.digits) - d.r);
-  }
-  if (!differ || d.rl.empty()) return textOfLimbs(false, d.rl);
+  if (d.small) return wideResult(false, !differ || d.r == 0 ? d.r : smallMagnitude(y.digits) - d.r);
+  if (!differ || d.rl.empty()) return limbsResult(false, std::move(d.rl));
   Limbs b = limbsOf(y);
   natSub(b.data(), b.data(), b.size(), d.rl.data(), d.rl.size());
-  return textOfLimbs(false, b);
+  return limbsResult(false, std::move(b));
 }
 
 // A power of more than 10^13 digits cannot be held by any memory: asking for
@@ -198,6 +264,45 @@ double approxLog10(std::string_view digits) {
   return std::log10(double(smallMagnitude(digits.substr(0, lead)))) + double(digits.size() - lead);
 }
 
+Result powaOf(std::string_view base, std::string_view exponent) {
+  Hint b = hintOf(base), e = hintOf(exponent);
+  // x^-n is 0 for every x, x^0 is 1 for every x (0 too).
+  if (e.negative) return wideResult(false, 0);
+  if (e.isZero()) return wideResult(false, 1);
+  bool odd = (e.digits.back() - '0') % 2 == 1;
+  bool negative = b.negative && odd;
+  if (b.isZero()) return wideResult(false, 0);
+  if (b.digits == "1") return wideResult(negative, 1);
+  // Trailing zeros of the base come out as zeros appended to the power of
+  // the rest: (m 10^z)^e = m^e 10^(z e).
+  size_t zeros = 0;
+  std::string_view m = b.digits;
+  while (m.back() == '0') m.remove_suffix(1), zeros++;
+  double logDigits = approxLog10(e.digits) + std::log10(approxLog10(m) + double(zeros));
+  if (logDigits > kMaxPowerLog10) TARN_FAIL();  // no memory could hold the result
+  uint64_t n = smallMagnitude(e.digits);  // below 10^14 here
+  Result r = m == "1" ? wideResult(negative, 1) : limbsResult(negative, powLimbs(limbsFromDigits(m), n));
+  r.zeros = zeros * n;
+  return r;
+}
+
+Result halfOf(std::string_view x) {
+  Hint h = hintOf(x);
+  if (h.isSmall()) return wideResult(h.negative, smallMagnitude(h.digits) / 2);
+  Limbs a = limbsOf(h);
+  natDivSmall(a.data(), a.data(), a.size(), 2);
+  return limbsResult(h.negative, std::move(a));
+}
+
+Result oppositeOf(std::string_view x) {
+  Hint h = hintOf(x);
+  Result r;
+  r.form = Result::Form::kDigits;
+  r.negative = !h.negative;
+  r.digits = h.digits;
+  return r;
+}
+
 }  // namespace
 
 bool isNumberText(std::string_view text) {
@@ -205,6 +310,15 @@ bool isNumberText(std::string_view text) {
   unsigned char c = static_cast<unsigned char>(text[0]);
   if (c >= '1' && c <= '9') return true;
   return c == '0' && (text.size() == 1 || text[1] != '0');
+}
+
+TextSink stringSink(std::string& s) {
+  auto room = [](void* context, size_t n) {
+    auto* str = static_cast<std::string*>(context);
+    str->resize(n);
+    return str->data();
+  };
+  return {room, &s};
 }
 
 bool smallHintValue(std::string_view text, int64_t& value) {
@@ -236,108 +350,54 @@ std::string smallHintText(int64_t v) {
   return std::string(buf, writeSmallHint(v, buf));
 }
 
-std::string hintAddText(std::string_view x, std::string_view y) {
+void hintAddInto(std::string_view x, std::string_view y, TextSink out) {
   Hint b = hintOf(y);
-  return addSigned(hintOf(x), b.negative, b.digits);
+  emit(addOf(hintOf(x), b.negative, b.digits), out);
 }
 
-std::string hintSubText(std::string_view x, std::string_view y) {
+void hintSubInto(std::string_view x, std::string_view y, TextSink out) {
   Hint b = hintOf(y);
-  return addSigned(hintOf(x), !b.negative, b.digits);
+  emit(addOf(hintOf(x), !b.negative, b.digits), out);
 }
 
-std::string hintMulText(std::string_view x, std::string_view y) {
-  Hint a = hintOf(x), b = hintOf(y);
-  if (a.isZero() || b.isZero()) return "0";
-  bool negative = a.negative != b.negative;
-  if (a.isSmall() && b.isSmall()) {
-    u128 p = u128(smallMagnitude(a.digits)) * smallMagnitude(b.digits);
-    return textOfWide(negative, p);
-  }
-  // One factor of a single limb: a linear pass over the other.
-  if (b.digits.size() > a.digits.size()) std::swap(a, b);
-  if (b.digits.size() <= size_t(kLimbDigits)) {
-    Limbs m = limbsFromDigits(a.digits, 1);
-    size_t n = m.size();
-    m.resize(n + 1);
-    m[n] = natMulSmall(m.data(), m.data(), n, Limb(smallMagnitude(b.digits)));
-    return textOfLimbs(negative, m);
-  }
-  return textOfLimbs(negative, mulLimbs(limbsOf(a), limbsOf(b)));
-}
+void hintMulInto(std::string_view x, std::string_view y, TextSink out) { emit(mulOf(x, y), out); }
 
-bool hintOverText(std::string_view x, std::string_view y, std::string& quotient) {
+bool hintOverInto(std::string_view x, std::string_view y, TextSink out) {
   Hint a = hintOf(x), b = hintOf(y);
   if (b.isZero()) return false;
   Division d = divideMagnitudes(a, b);
-  quotient = overFrom(a, b, d);
+  emit(overOf(a, b, d), out);
   return true;
 }
 
-bool hintCentText(std::string_view x, std::string_view y, std::string& remainder) {
+bool hintCentInto(std::string_view x, std::string_view y, TextSink out) {
   Hint a = hintOf(x), b = hintOf(y);
   if (b.isZero()) return false;
   Division d = divideMagnitudes(a, b);
-  remainder = centFrom(a, b, d);
+  emit(centOf(a, b, d), out);
   return true;
 }
 
-bool hintOverCentText(std::string_view x, std::string_view y, std::string& quotient,
-                      std::string& remainder) {
+bool hintOverCentInto(std::string_view x, std::string_view y, TextSink quotient, TextSink remainder) {
   Hint a = hintOf(x), b = hintOf(y);
   if (b.isZero()) return false;
   Division d = divideMagnitudes(a, b);
-  remainder = centFrom(a, b, d);
-  quotient = overFrom(a, b, d);
+  // The quotient takes d's quotient limbs and reads the remainder, which
+  // the remainder's result may then take.
+  Result q = overOf(a, b, d);
+  Result r = centOf(a, b, d);
+  emit(q, quotient);
+  emit(r, remainder);
   return true;
 }
 
-std::string hintPowaText(std::string_view base, std::string_view exponent) {
-  Hint b = hintOf(base), e = hintOf(exponent);
-  // x^-n is 0 for every x, x^0 is 1 for every x (0 too).
-  if (e.negative) return "0";
-  if (e.isZero()) return "1";
-  bool odd = (e.digits.back() - '0') % 2 == 1;
-  bool negative = b.negative && odd;
-  if (b.isZero()) return "0";
-  if (b.digits == "1") return negative ? "01" : "1";
-  // Trailing zeros of the base come out as zeros appended to the power of
-  // the rest: (m 10^z)^e = m^e 10^(z e).
-  size_t zeros = 0;
-  std::string_view m = b.digits;
-  while (m.back() == '0') m.remove_suffix(1), zeros++;
-  double logDigits = approxLog10(e.digits) + std::log10(approxLog10(m) + double(zeros));
-  if (logDigits > kMaxPowerLog10) TARN_FAIL();  // no memory could hold the result
-  uint64_t n = smallMagnitude(e.digits);  // below 10^14 here
-  std::string text;
-  if (m == "1") {
-    text = negative ? "01" : "1";
-  } else {
-    Limbs r = powLimbs(limbsFromDigits(m), n);
-    text = textOfLimbs(negative, r);
-  }
-  text.append(zeros * n, '0');
-  return text;
+void hintPowaInto(std::string_view base, std::string_view exponent, TextSink out) {
+  emit(powaOf(base, exponent), out);
 }
 
-std::string hintHalfText(std::string_view x) {
-  Hint h = hintOf(x);
-  if (h.isSmall()) return textOfSmall(h.negative, smallMagnitude(h.digits) / 2);
-  Limbs a = limbsOf(h);
-  natDivSmall(a.data(), a.data(), a.size(), 2);
-  return textOfLimbs(h.negative, a);
-}
+void hintHalfInto(std::string_view x, TextSink out) { emit(halfOf(x), out); }
 
-std::string hintOppositeText(std::string_view x) {
-  Hint h = hintOf(x);
-  if (h.isZero()) return "0";
-  if (h.negative) return std::string(h.digits);
-  std::string s;
-  s.reserve(x.size() + 1);
-  s.push_back('0');
-  s.append(x);
-  return s;
-}
+void hintOppositeInto(std::string_view x, TextSink out) { emit(oppositeOf(x), out); }
 
 int hintCompareText(std::string_view x, std::string_view y) {
   Hint a = hintOf(x), b = hintOf(y);
@@ -345,5 +405,46 @@ int hintCompareText(std::string_view x, std::string_view y) {
   int c = compareDigits(a.digits, b.digits);
   return a.negative ? -c : c;
 }
+
+std::string hintAddText(std::string_view x, std::string_view y) {
+  Hint b = hintOf(y);
+  return textOf(addOf(hintOf(x), b.negative, b.digits));
+}
+
+std::string hintSubText(std::string_view x, std::string_view y) {
+  Hint b = hintOf(y);
+  return textOf(addOf(hintOf(x), !b.negative, b.digits));
+}
+
+std::string hintMulText(std::string_view x, std::string_view y) { return textOf(mulOf(x, y)); }
+
+bool hintOverText(std::string_view x, std::string_view y, std::string& quotient) {
+  Hint a = hintOf(x), b = hintOf(y);
+  if (b.isZero()) return false;
+  Division d = divideMagnitudes(a, b);
+  quotient = textOf(overOf(a, b, d));
+  return true;
+}
+
+bool hintCentText(std::string_view x, std::string_view y, std::string& remainder) {
+  Hint a = hintOf(x), b = hintOf(y);
+  if (b.isZero()) return false;
+  Division d = divideMagnitudes(a, b);
+  remainder = textOf(centOf(a, b, d));
+  return true;
+}
+
+bool hintOverCentText(std::string_view x, std::string_view y, std::string& quotient,
+                      std::string& remainder) {
+  return hintOverCentInto(x, y, stringSink(quotient), stringSink(remainder));
+}
+
+std::string hintPowaText(std::string_view base, std::string_view exponent) {
+  return textOf(powaOf(base, exponent));
+}
+
+std::string hintHalfText(std::string_view x) { return textOf(halfOf(x)); }
+
+std::string hintOppositeText(std::string_view x) { return textOf(oppositeOf(x)); }
 
 }  // namespace tarn

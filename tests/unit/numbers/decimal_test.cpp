@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "numbers/decimal.h"
 #include "numbers/decimal_limbs.h"
@@ -171,6 +173,61 @@ TEST(DecimalText, PowerDigitCount) {
   EXPECT_EQ(p.size(), 95425u);
   EXPECT_EQ(p.substr(p.size() - 3), "001");
   EXPECT_EQ(hintCentText(p, "7", p) ? p : "Z", "2");  // 3^6 = 1 mod 7; 200000 = 2 mod 6
+}
+
+// A sink over a fixed buffer that records the lengths asked for.
+struct BufferSink {
+  char buf[200];
+  std::vector<size_t> asked;
+  TextSink sink() {
+    std::memset(buf, '#', sizeof buf);
+    asked.clear();
+    auto room = [](void* c, size_t n) {
+      auto* self = static_cast<BufferSink*>(c);
+      self->asked.push_back(n);
+      return self->buf;
+    };
+    return {room, this};
+  }
+  // The text written, which must fill exactly the one length asked for.
+  std::string text() const {
+    if (asked.size() != 1) return "asked " + std::to_string(asked.size()) + " times";
+    if (buf[asked[0]] != '#') return "wrote past the end";
+    return std::string(buf, asked[0]);
+  }
+};
+
+TEST(DecimalText, SinksGetTheExactLengthOnce) {
+  BufferSink out;
+  const std::string big = "123456789012345678901234567890";  // beyond the machine word
+  hintMulInto("099", "99", out.sink());
+  EXPECT_EQ(out.text(), "09801");
+  hintMulInto("0" + big, "0", out.sink());
+  EXPECT_EQ(out.text(), "0");
+  hintAddInto(big, "0" + big, out.sink());
+  EXPECT_EQ(out.text(), "0");
+  hintSubInto("0" + big, "1", out.sink());
+  EXPECT_EQ(out.text(), "0123456789012345678901234567891");
+  hintPowaInto("0100", "3", out.sink());
+  EXPECT_EQ(out.text(), "01000000");
+  hintPowaInto("10", "40", out.sink());
+  EXPECT_EQ(out.text(), "1" + std::string(40, '0'));
+  hintHalfInto("01", out.sink());
+  EXPECT_EQ(out.text(), "0");
+  hintOppositeInto("0" + big, out.sink());
+  EXPECT_EQ(out.text(), big);
+  // big = 12345678901234567890 * 10^10 + 1234567890
+  EXPECT_TRUE(hintOverInto("0" + big, big.substr(0, 20), out.sink()));
+  EXPECT_EQ(out.text(), "010000000001");
+  EXPECT_TRUE(hintCentInto("0" + big, big.substr(0, 20), out.sink()));
+  EXPECT_EQ(out.text(), "12345678900000000000");
+  BufferSink q, r;
+  EXPECT_TRUE(hintOverCentInto(big, "07", q.sink(), r.sink()));
+  EXPECT_EQ(q.text() + " " + r.text(), over(big, "07") + " " + cent(big, "07"));
+  // No result, no call.
+  EXPECT_FALSE(hintOverInto(big, "0", out.sink()));
+  EXPECT_FALSE(hintCentInto(big, "0", out.sink()));
+  EXPECT_TRUE(out.asked.empty());
 }
 
 TEST(DecimalText, MachineWordBoundaries) {
