@@ -124,7 +124,7 @@ Limbs limbsFromDigits(std::string_view digits, size_t spare) {
   uint64_t bad = 0;
   const char* q = p + top;
   size_t i = n - 1;
-  if (cpuHasAvx2() && i >= 4) {
+  if (vectorKernelsOn() && i >= 4) {
     size_t groups = i / 4;
     if (!parseChunksAvx2(q, groups, r.data() + i)) bad = 1;
     q += 32 * groups;
@@ -154,7 +154,7 @@ void writeDigits(char* out, const Limb* a, size_t n) {
   std::memcpy(out, top + 8 - d, size_t(d));
   out += d;
   size_t i = n - 1;
-  if (cpuHasAvx2() && i >= 4) {
+  if (vectorKernelsOn() && i >= 4) {
     size_t groups = i / 4;
     writeChunksAvx2(out, a + i, groups);
     out += 32 * groups;
@@ -233,7 +233,7 @@ Limb natMulSmall(Limb* r, const Limb* a, size_t n, Limb m) {
   TARN_ASSERT(m < kLimbBase);
   uint64_t carry = 0;
   size_t i = 0;
-  if (m < (1u << 21) && n >= 8 && cpuHasAvx2()) {
+  if (m < (1u << 21) && n >= 8 && vectorKernelsOn()) {
     size_t groups = n / 4;
     bool full = false;
     carry = mulSmallAvx2(r, a, groups, m, 0, full);

@@ -120,7 +120,7 @@ void karatsuba(Limb* r, const Limb* a, const Limb* b, size_t n, Limb* ws) {
 
 }  // namespace
 
-size_t nttMinLimbs() { return cpuHasAvx2() ? kNttMinLimbsVector : kNttMinLimbsScalar; }
+size_t nttMinLimbs() { return vectorKernelsOn() ? kNttMinLimbsVector : kNttMinLimbsScalar; }
 
 void natMulSchoolbook(Limb* r, const Limb* a, size_t na, const Limb* b, size_t nb) {
   if (na < nb) std::swap(a, b), std::swap(na, nb);

@@ -219,13 +219,13 @@ void natMulNtt(Limb* r, const Limb* a, size_t na, const Limb* b, size_t nb) {
     if (na + nb) std::memset(r, 0, (na + nb) * sizeof(Limb));
     return;
   }
-  if (cpuHasAvx2() && nttAvx2Fits(na, nb)) mulNttAvx2(r, a, na, b, nb, false);
+  if (vectorKernelsOn() && nttAvx2Fits(na, nb)) mulNttAvx2(r, a, na, b, nb, false);
   else multiply(r, a, na, b, nb, false);
 }
 
 void natSqrNtt(Limb* r, const Limb* a, size_t n) {
   if (n == 0) return;
-  if (cpuHasAvx2() && nttAvx2Fits(n, n)) mulNttAvx2(r, a, n, a, n, true);
+  if (vectorKernelsOn() && nttAvx2Fits(n, n)) mulNttAvx2(r, a, n, a, n, true);
   else multiply(r, a, n, a, n, true);
 }
 

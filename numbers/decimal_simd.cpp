@@ -18,13 +18,13 @@ bool hardwareHasAvx2() {
   return has;
 }
 
-bool vectorKernelsOn = true;
+bool kernelsWanted = true;
 
 }  // namespace
 
-bool cpuHasAvx2() { return vectorKernelsOn && hardwareHasAvx2(); }
+bool vectorKernelsOn() { return kernelsWanted && hardwareHasAvx2(); }
 
-void useVectorKernels(bool on) { vectorKernelsOn = on; }
+void useVectorKernels(bool on) { kernelsWanted = on; }
 
 __attribute__((target("avx2"))) bool parseChunksAvx2(const char* text, size_t groups, Limb* limbsEnd) {
   const __m256i zero = _mm256_set1_epi8('0');

@@ -1,10 +1,10 @@
 // Vector kernels for the decimal limbs (AVX2), chosen at run time.
 //
-// Contract: call a kernel only when `cpuHasAvx2()` is true; the scalar code in
-// decimal_limbs.cpp is the fallback and gives the same results. Chunks are
-// eight digits, most significant first, and chunk j of a text pairs with the
-// limb `limbsEnd[-1 - j]`: the text runs from the top limb down. Kernels work
-// on groups of four chunks; callers do any rest with the scalar code.
+// Contract: call a kernel only when `vectorKernelsOn()` is true; the scalar
+// code is the fallback and gives the same results. Chunks are eight digits,
+// most significant first, and chunk j of a text pairs with the limb
+// `limbsEnd[-1 - j]`: the text runs from the top limb down. Kernels work on
+// groups of four chunks; callers do any rest with the scalar code.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,9 @@
 
 namespace tarn {
 
-bool cpuHasAvx2();  // AVX2 and FMA, unless switched off
+// True when the processor has AVX2 and FMA and the kernels are not switched
+// off.
+bool vectorKernelsOn();
 // Switches the vector kernels off (or back on where the processor has them),
 // so that tests can run the scalar code on the same machine.
 void useVectorKernels(bool on);
