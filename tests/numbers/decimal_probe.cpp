@@ -1,0 +1,40 @@
+// Test driver for the hint text arithmetic: reads lines "OP X [Y]" from the
+// standard input and writes one result text per line ("Z" when there is no
+// result). OP is one of add sub mul over cent powa half opp cmp.
+#include <iostream>
+#include <string>
+
+#include "numbers/decimal.h"
+
+namespace {
+
+std::string apply(const std::string& op, const std::string& x, const std::string& y) {
+  using namespace tarn;
+  std::string r;
+  if (op == "add") return hintAddText(x, y);
+  if (op == "sub") return hintSubText(x, y);
+  if (op == "mul") return hintMulText(x, y);
+  if (op == "over") return hintOverText(x, y, r) ? r : "Z";
+  if (op == "cent") return hintCentText(x, y, r) ? r : "Z";
+  if (op == "powa") return hintPowaText(x, y);
+  if (op == "half") return hintHalfText(x);
+  if (op == "opp") return hintOppositeText(x);
+  if (op == "cmp") return std::to_string(hintCompareText(x, y));
+  return "unknown operation " + op;
+}
+
+}  // namespace
+
+int main() {
+  std::ios::sync_with_stdio(false);
+  std::string line;
+  while (std::getline(std::cin, line)) {
+    size_t a = line.find(' ');
+    size_t b = line.find(' ', a + 1);
+    std::string op = line.substr(0, a);
+    std::string x = line.substr(a + 1, b == std::string::npos ? std::string::npos : b - a - 1);
+    std::string y = b == std::string::npos ? "" : line.substr(b + 1);
+    std::cout << apply(op, x, y) << '\n';
+  }
+  return 0;
+}
