@@ -28,6 +28,13 @@ Term leaf(std::string_view text) {
   return Term::adopt(n);
 }
 
+Term rawLeaf(size_t n) { return Term::adopt(newLeafNode(n)); }
+
+void sealLeaf(const Term& t, size_t n) {
+  unsigned char c = t.node()->bytes()[0];
+  if ((isDigit(c) || c == '[') && n < header::kSizeLimit) t.node()->setSizeRaw(uint32_t(n));
+}
+
 Term leafByte(unsigned char b) {
   Node* n = newLeafNode(1);
   n->bytes()[0] = b;

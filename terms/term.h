@@ -116,6 +116,12 @@ inline Term Term::call2(Term b, Term c) const { return App2(*this, std::move(b),
 // A leaf of exactly these bytes (embedded NULs kept), NUL-terminated in the
 // same allocation. Number and bracket leaves get their length in `size`.
 Term leaf(std::string_view text);
+// A leaf of n text bytes that the caller fills at once, before anything reads
+// it; `sealLeaf` then records the length of a number or bracket text in
+// `size`, as `leaf` does.
+Term rawLeaf(size_t n);
+inline unsigned char* rawBytes(const Term& t) { return t.node()->bytes(); }
+void sealLeaf(const Term& t, size_t n);
 // The leaf of one byte.
 Term leafByte(unsigned char b);
 // The leaf of empty text (the default leaf).
