@@ -59,7 +59,6 @@ Term joinTexts(bool blob, const Term& x, char kx, const Term& y, char ky) {
   return textJoin(blob, a.view(), b.view());
 }
 
-double realOf(const Term& t) { return realValue(t); }
 
 // Text and vector operands whose pair no row took: no answer. Shared by the
 // tails of the tables of dash, mult, over, cent and powa.
@@ -77,7 +76,7 @@ Term valuePlus(const Term& x, const Term& y) {
     switch (kx) {
       case 'a': return joinTexts(true, x, kx, y, ky);
       case 'u': return joinTexts(false, x, kx, y, ky);
-      case 'e': return realLeaf(realOf(x) + realOf(y));
+      case 'e': return realLeaf(realValue(x) + realValue(y));
       case 'i': return hintPlus(x, y);
       case 'o': return numbPlus(x, y);
       default: return leaf("69");  // no kind reaches this
@@ -106,7 +105,7 @@ Term valueDash(const Term& x, const Term& y) {
   }
   if (kx == ky) {
     switch (kx) {
-      case 'e': return realLeaf(realOf(x) - realOf(y));
+      case 'e': return realLeaf(realValue(x) - realValue(y));
       case 'i': return hintDash(x, y);
       case 'o': return numbDash(x, y);
       case 'u': return App(x, y);  // two data terms are paired, not joined
@@ -136,7 +135,7 @@ Term valueMult(const Term& x, const Term& y) {
   }
   if (kx == ky) {
     switch (kx) {
-      case 'e': return realLeaf(realOf(x) * realOf(y));
+      case 'e': return realLeaf(realValue(x) * realValue(y));
       case 'i': return hintMult(x, y);
       case 'o': return numbMult(x, y);
       default: return noAnswer();
@@ -156,7 +155,7 @@ Term valueOver(const Term& x, const Term& y) {
   if (kx == 'w' || ky == 'w') return noAnswer();
   if (kx == ky) {
     switch (kx) {
-      case 'e': return realLeaf(realOf(x) / realOf(y));  // the host's infinities and NaNs
+      case 'e': return realLeaf(realValue(x) / realValue(y));  // the host's infinities and NaNs
       case 'i': return hintOver(x, y);
       default: return noAnswer();  // numbs have no division
     }
@@ -173,7 +172,7 @@ Term valueCent(const Term& x, const Term& y) {
   if (kx == 'w' || ky == 'w') return noAnswer();
   if (kx == ky) {
     switch (kx) {
-      case 'e': return realLeaf(std::fmod(realOf(x), realOf(y)));
+      case 'e': return realLeaf(std::fmod(realValue(x), realValue(y)));
       case 'i': return hintCent(x, y);
       case 'o': return numbCent(x, y);
       default: return noAnswer();
@@ -192,7 +191,7 @@ Term valuePowa(const Term& x, const Term& y) {
   if (kx == 'o' && ky == 'i') return numbPowa(x, y);
   if (kx == ky) {
     switch (kx) {
-      case 'e': return realLeaf(std::pow(realOf(x), realOf(y)));
+      case 'e': return realLeaf(std::pow(realValue(x), realValue(y)));
       case 'i': return hintPowa(x, y);
       default: return noAnswer();  // numb to a numb too
     }
