@@ -1,0 +1,140 @@
+// Integer operations on Terms: the sign rules of floor division and the
+// never-negative remainder on both the machine-word and the long path, the
+// product leaf, the word-size boundaries, cell spellings and the double of
+// an integer.
+#include <cmath>
+#include <string>
+
+#include "numbers/hint.h"
+#include "values.h"
+
+namespace tarn {
+namespace {
+
+using testing::cell;
+using testing::N;
+using testing::sym;
+using testing::text;
+
+// Every row of the division table, with x and y as given and then both
+// scaled by 10^30, so that the long path is held to the same signs: the
+// quotient is unchanged and the remainder scales.
+TEST(Hint, FloorDivisionAndRemainderSigns) {
+  struct Row {
+    const char *x, *y, *over, *cent;
+  };
+  const Row rows[] = {
+      {"7", "2", "3", "1"},   {"07", "2", "04", "1"}, {"7", "02", "04", "1"}, {"07", "02", "3", "1"},
+      {"7", "3", "2", "1"},   {"07", "3", "03", "2"}, {"7", "03", "03", "2"}, {"07", "03", "2", "1"},
+      {"6", "03", "02", "0"}, {"0", "05", "0", "0"},  {"06", "3", "02", "0"},
+  };
+  const std::string zeros(30, '0');
+  for (const Row& r : rows) {
+    SCOPED_TRACE(std::string(r.x) + " by " + r.y);
+    EXPECT_EQ(text(hintOver(N(r.x), N(r.y))), r.over);
+    EXPECT_EQ(text(hintCent(N(r.x), N(r.y))), r.cent);
+    std::string bx = std::string(r.x) + (std::string(r.x) == "0" ? "" : zeros);
+    std::string by = std::string(r.y) + zeros;
+    EXPECT_EQ(text(hintOver(N(bx), N(by))), r.over);
+    std::string cent = std::string(r.cent) == "0" ? "0" : std::string(r.cent) + zeros;
+    EXPECT_EQ(text(hintCent(N(bx), N(by))), cent);
+  }
+  // Zero divisors, short and long dividends.
+  EXPECT_EQ(text(hintOver(N("5"), N("0"))), "Z");
+  EXPECT_EQ(text(hintCent(N("5"), N("0"))), "Z");
+  EXPECT_EQ(text(hintOver(N("5" + zeros), N("0"))), "Z");
+  EXPECT_EQ(text(hintCent(N("05" + zeros), N("0"))), "Z");
+}
+
+TEST(Hint, ProductLeafCarriesArityTwo) {
+  Term p = hintMult(N("99"), N("99"));
+  EXPECT_EQ(text(p), "9801");
+  EXPECT_EQ(p.node()->top(), header::kProductLeafTop);
+  EXPECT_EQ(p.node()->size(), 4u);
+  Term q = hintMult(N("099"), N("99"));
+  EXPECT_EQ(text(q), "09801");
+  EXPECT_EQ(q.node()->top(), header::kProductLeafTop);
+  EXPECT_EQ(q.node()->size(), 5u);
+  // A zero operand gives an ordinary, unannotated "0".
+  Term z = hintMult(N("0"), N("05"));
+  EXPECT_EQ(text(z), "0");
+  EXPECT_EQ(z.node()->top(), header::kFreshLeafTop);
+  // Past the word: (10^18 - 1)^2, and a negative long product.
+  const std::string nines(18, '9');
+  Term big = hintMult(N(nines), N(nines));
+  EXPECT_EQ(text(big), std::string(17, '9') + "8" + std::string(17, '0') + "1");
+  EXPECT_EQ(big.node()->top(), header::kProductLeafTop);
+  EXPECT_EQ(text(hintMult(N("1" + std::string(20, '0')), N("01" + std::string(20, '0')))),
+            "01" + std::string(40, '0'));
+  // Sums and differences never carry the product's mark.
+  EXPECT_EQ(hintPlus(N("2"), N("3")).node()->top(), header::kFreshLeafTop);
+}
+
+TEST(Hint, SumsAcrossTheWordBoundary) {
+  const std::string nines(18, '9');
+  EXPECT_EQ(text(hintPlus(N("5"), N("05"))), "0");
+  EXPECT_EQ(text(hintPlus(N("03"), N("1"))), "02");
+  EXPECT_EQ(text(hintPlus(N("999"), N("1"))), "1000");
+  EXPECT_EQ(text(hintDash(N("0"), N("0"))), "0");
+  EXPECT_EQ(text(hintDash(N("3"), N("5"))), "02");
+  EXPECT_EQ(text(hintPlus(N(nines), N("1"))), "1" + std::string(18, '0'));
+  EXPECT_EQ(text(hintDash(N("0" + nines), N("1"))), "01" + std::string(18, '0'));
+  EXPECT_EQ(text(hintPlus(N("9223372036854775807"), N("1"))), "9223372036854775808");
+  EXPECT_EQ(text(hintDash(N("1" + std::string(30, '0')), N("1" + std::string(30, '0')))), "0");
+  EXPECT_EQ(text(hintDash(N("1" + std::string(20, '0')), N("1"))), std::string(20, '9'));
+  Term sum = hintPlus(N("12"), N("34"));
+  EXPECT_EQ(sum.node()->size(), 2u);  // a number leaf keeps its length
+}
+
+TEST(Hint, Powers) {
+  EXPECT_EQ(text(hintPowa(N("2"), N("10"))), "1024");
+  EXPECT_EQ(text(hintPowa(N("02"), N("3"))), "08");
+  EXPECT_EQ(text(hintPowa(N("02"), N("2"))), "4");
+  EXPECT_EQ(text(hintPowa(N("0"), N("0"))), "1");
+  EXPECT_EQ(text(hintPowa(N("5"), N("01"))), "0");
+  EXPECT_EQ(text(hintPowa(N("1"), N("01"))), "0");
+  EXPECT_EQ(text(hintPowa(N("01"), N("01"))), "0");
+  EXPECT_EQ(text(hintPowa(N("01"), N("7"))), "01");
+  EXPECT_EQ(text(hintPowa(N("10"), N("25"))), "1" + std::string(25, '0'));
+}
+
+TEST(Hint, OrderByValueNotText) {
+  EXPECT_TRUE(hintLess(N("1"), N("2")));
+  EXPECT_TRUE(hintLess(N("03"), N("02")));
+  EXPECT_TRUE(hintLess(N("01"), N("0")));
+  EXPECT_FALSE(hintLess(N("0"), N("0")));
+  EXPECT_TRUE(hintGreaterEq(N("0"), N("0")));
+  EXPECT_FALSE(hintLess(N("100"), N("20")));
+  EXPECT_TRUE(hintGreaterEq(N("100"), N("20")));
+  // Long operands: the more negative of two long numbers is the lesser.
+  std::string big = "1" + std::string(30, '0');
+  EXPECT_TRUE(hintLess(N("0" + big), N("01" + std::string(29, '0'))));
+  EXPECT_FALSE(hintGreaterEq(N("0" + big), N("5")));
+  EXPECT_TRUE(hintGreaterEq(N(big), N(big)));
+  EXPECT_TRUE(hintSame(N(big), N(big)));
+  EXPECT_FALSE(hintSame(N("05"), N("5")));
+}
+
+// (J K "2") spells 5: the list [K, K, K, H] is the leaf "5", and "2" is the
+// list [K, K, H] (bits 1011 = 4*2 + 3). (J K K) is the list [K], zero.
+TEST(Hint, CellSpellingsReadByTheirText) {
+  Term five = cell(true, N("2"));
+  EXPECT_EQ(text(hintPlus(five, N("1"))), "6");
+  EXPECT_EQ(text(hintMult(N("02"), five)), "010");
+  EXPECT_TRUE(hintLess(N("4"), five));
+  EXPECT_TRUE(hintSame(five, N("5")));
+  EXPECT_EQ(text(hintOver(N("7"), cell(true, sym('K')))), "Z");
+  EXPECT_EQ(hintToReal(five), 5.0);
+}
+
+TEST(Hint, ToRealByTheHostConversion) {
+  EXPECT_EQ(hintToReal(N("05")), -5.0);
+  EXPECT_EQ(hintToReal(N("0")), 0.0);
+  EXPECT_FALSE(std::signbit(hintToReal(N("0"))));
+  EXPECT_EQ(hintToReal(N("9007199254740993")), 9007199254740992.0);  // ties to even
+  EXPECT_EQ(hintToReal(N("1" + std::string(400, '0'))), HUGE_VAL);
+  EXPECT_EQ(hintToReal(N("01" + std::string(400, '0'))), -HUGE_VAL);
+}
+
+}  // namespace
+}  // namespace tarn
