@@ -10,7 +10,9 @@ std::span<const HandlerBinding> primitiveHandlers() {
   static const HandlerBinding bindings[] = {
       {"cmpr", handleCmpr},
       {"lisp", handleLisp},
+      {"raws", handleRaws},
       {"tern", handleTern},
+      {"type", handleType},
   };
   return bindings;
 }

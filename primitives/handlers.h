@@ -8,5 +8,7 @@ namespace tarn {
 Term handleLisp(const Term& chain);
 Term handleTern(const Term& chain);
 Term handleCmpr(const Term& chain);
+Term handleType(const Term& chain);
+Term handleRaws(const Term& chain);
 
 }  // namespace tarn

@@ -2,6 +2,8 @@
 #include <string>
 
 #include "primitives/handlers.h"
+#include "reduction/annotate.h"
+#include "reduction/canonical.h"
 #include "reduction/printer.h"
 
 namespace tarn {
@@ -12,6 +14,28 @@ Term handleLisp(const Term& chain) {
   text += printTerm(chain.right());
   text += ']';
   return leaf(text);
+}
+
+// raws x y: K when both are the same node, H otherwise; never Z.
+Term handleRaws(const Term& chain) {
+  return leafByte(chain.left().right().same(chain.right()) ? 'K' : 'H');
+}
+
+// type x: the name of x's kind as a canonical literal, so that equal answers
+// are one node. No kind gives another letter; the 69 stays as a guard.
+Term handleType(const Term& chain) {
+  const char* name;
+  switch (kindOf(chain.right())) {
+    case 'a': name = "[post]"; break;
+    case 'e': name = "[real]"; break;
+    case 'i': name = "[hint]"; break;
+    case 'k': name = "[cray]"; break;
+    case 'o': name = "[numb]"; break;
+    case 'u': name = "[zits]"; break;
+    case 'w': name = "[void]"; break;
+    default: return leaf("69");
+  }
+  return tern(leaf(name));
 }
 
 }  // namespace tarn

@@ -66,7 +66,7 @@ Term substituteAll(const Term& t, uint32_t mask, const Term* const* values) {
 
 Term substitute(const Term& body, const Term& value, unsigned char letter) {
   TARN_ASSERT(isLower(letter));
-  const Term* values[26] = {};
+  const Term* values[26];  // read only at the letters of the mask
   values[letter - 'a'] = &value;
   return substituteAll(body, letterBit(letter), values);
 }
@@ -191,7 +191,7 @@ void fireGlobal(Machine& m, const Term& head, const Term* const* args, int argc)
   peel(s);
   if (!s.params.empty()) {
     TARN_ASSERT(argc == int(s.params.size()));
-    const Term* values[26] = {};
+    const Term* values[26];  // read only at the letters of mask
     uint32_t mask = 0;
     for (int i = 0; i < argc; i++) {
       unsigned char c = static_cast<unsigned char>(s.params[size_t(i)]);
