@@ -38,7 +38,19 @@ GlobalSlot& slotOf(std::string_view name) {
 }
 
 GlobalSlot& slotOfLeafSlow(const Term& nameLeaf) {
-  GlobalSlot& s = slotOf(textOf(nameLeaf));
+  // Fresh one-byte leaves (K and H from every comparison) are common: their
+  // slots are kept by byte, so annotating them costs no hashing.
+  static GlobalSlot* byByte[256] = {};
+  std::string_view text = textOf(nameLeaf);
+  GlobalSlot* found;
+  if (text.size() == 1) {
+    GlobalSlot*& cached = byByte[static_cast<unsigned char>(text[0])];
+    if (!cached) cached = &slotOf(text);
+    found = cached;
+  } else {
+    found = &slotOf(text);
+  }
+  GlobalSlot& s = *found;
   LeafPrefix* pre = prefixOf(nameLeaf.node());
   pre->cacheEpoch = gMemoryEpoch;
   pre->cacheSlot = &s;

@@ -8,6 +8,8 @@
 #                 one word per line (usage and start-report tests)
 #   NAME.stdin    optional: standard input (else empty)
 #   NAME.stdout, NAME.stderr, NAME.status: expected; absent means empty / 0
+#   NAME.trace    optional: the trace file /tmp/both.bug is removed before the
+#                 run and must then hold exactly these bytes
 #
 # Usage: run_golden.sh path/to/tarn area-folder [name...]
 set -u
@@ -43,6 +45,7 @@ for name in "${names[@]}"; do
   fi
   input=/dev/null
   [ -e "$name.stdin" ] && input="$name.stdin"
+  [ -e "$name.trace" ] && rm -f /tmp/both.bug
   timeout 120 "$tarn" "${args[@]}" < "$input" > "$tmp/out" 2> "$tmp/err"
   status=$?
   expected_status=0
@@ -59,6 +62,10 @@ for name in "${names[@]}"; do
     fi
   done
   [ "$status" = "$expected_status" ] || ok=0
+  if [ -e "$name.trace" ] && ! cmp -s "$name.trace" /tmp/both.bug; then
+    ok=0
+    echo "  --- /tmp/both.bug differs from $name.trace"
+  fi
   if [ $ok = 1 ]; then
     echo "ok   $name"
   else
