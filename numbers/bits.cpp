@@ -140,4 +140,27 @@ std::string textFromBits(const BitString& bits) {
   return text + decimalShifted(b, j + 1);
 }
 
+BitString halved(const BitString& b) {
+  BitString r(b.size(), '\0');
+  for (size_t i = 0; i < b.size(); i++) {
+    unsigned lo = static_cast<unsigned char>(b[i]) >> 1;
+    unsigned hi = i + 1 < b.size() ? (static_cast<unsigned char>(b[i + 1]) << 7) & 0xff : 0;
+    r[i] = char(lo | hi);
+  }
+  return r;
+}
+
+BitString doubled(const BitString& b) {
+  BitString r;
+  r.reserve(b.size() + 1);
+  unsigned carry = 0;
+  for (char c : b) {
+    unsigned v = static_cast<unsigned char>(c);
+    r.push_back(char(((v << 1) | carry) & 0xff));
+    carry = v >> 7;
+  }
+  if (carry) r.push_back(char(carry));
+  return r;
+}
+
 }  // namespace tarn

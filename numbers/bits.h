@@ -37,5 +37,9 @@ bool isAllZero(const BitString& b);
 // The bit string of an unsigned value (bit 0 lowest), no sentinel added, no
 // trailing zero byte (so zero gives the empty string).
 BitString bitsOfValue(uint64_t v);
+// The value shifted right by one bit (the first list element dropped, or a
+// numb's fixed form from its bits), and shifted left by one bit.
+BitString halved(const BitString& b);
+BitString doubled(const BitString& b);
 
 }  // namespace tarn

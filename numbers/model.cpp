@@ -133,28 +133,14 @@ BitString numbBits(const Term& t) {
   TARN_ASSERT(isNumbForm(t));
   BitString b = bitsOf(t);
   TARN_ASSERT(!b.empty());
-  // Divide by 2: shift the whole string right by one bit.
-  for (size_t i = 0; i < b.size(); i++) {
-    unsigned char lo = static_cast<unsigned char>(b[i]) >> 1;
-    unsigned char hi = i + 1 < b.size() ? static_cast<unsigned char>(b[i + 1]) << 7 : 0;
-    b[i] = char(lo | hi);
-  }
+  b = halved(b);
   stripZeros(b);
   return b;
 }
 
 Term numbFromBits(const BitString& fixed) {
   TARN_ASSERT(!isAllZero(fixed));
-  BitString b;
-  b.reserve(fixed.size() + 1);
-  unsigned carry = 0;
-  for (char c : fixed) {
-    unsigned v = static_cast<unsigned char>(c);
-    b.push_back(char(((v << 1) | carry) & 0xff));
-    carry = v >> 7;
-  }
-  if (carry) b.push_back(char(carry));
-  return leaf(textFromBits(b));
+  return leaf(textFromBits(doubled(fixed)));
 }
 
 Term int64ToTerm(int64_t v) {
@@ -233,14 +219,7 @@ Term hintToNumb(const Term& t) {
   BitString s;
   if (t.isLeaf()) {
     TARN_ASSERT(isDigit(t.first()));
-    BitString b = bitsFromText(textOf(t));
-    // Divide by 2.
-    for (size_t i = 0; i < b.size(); i++) {
-      unsigned char lo = static_cast<unsigned char>(b[i]) >> 1;
-      unsigned char hi = i + 1 < b.size() ? static_cast<unsigned char>(b[i + 1]) << 7 : 0;
-      b[i] = char(lo | hi);
-    }
-    s = std::move(b);
+    s = halved(bitsFromText(textOf(t)));
   } else {
     // Drop the first cell; every further cell must be an integer cell.
     s = BitString(1, char(1));

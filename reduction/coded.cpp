@@ -59,14 +59,7 @@ Term numberTail(std::string_view text) {
   stripZeros(bits);
   size_t len = bitLength(bits);
   if (len == 2) return leafByte('K');
-  // Drop the first element: shift the whole string right by one bit.
-  BitString rest(bits.size(), '\0');
-  for (size_t i = 0; i < bits.size(); i++) {
-    unsigned lo = static_cast<unsigned char>(bits[i]) >> 1;
-    unsigned hi = i + 1 < bits.size() ? (static_cast<unsigned char>(bits[i + 1]) << 7) & 0xff : 0;
-    rest[i] = char(lo | hi);
-  }
-  return leaf(textFromBits(rest));
+  return leaf(textFromBits(halved(bits)));  // the first element dropped
 }
 
 Term blobFront(const Term& blob) {
