@@ -15,6 +15,14 @@ namespace {
 
 inline uint32_t letterBit(unsigned char c) { return isLower(c) ? 1u << (c - 'a') : 0; }
 
+// An application of two annotated terms, annotated at once: the machine
+// will look at it next, and its children are at hand now.
+inline Term joined(Term a, Term b) {
+  Term t = App(std::move(a), std::move(b));
+  annotateSlow(t.node());
+  return t;
+}
+
 // The parameters of a definition: its leading binders' letters, and the body
 // under them. Cached in the slot for the value's version.
 void peel(GlobalSlot& s) {
@@ -51,17 +59,17 @@ Term substituteAll(const Term& t, uint32_t mask, const Term* const* values) {
     const Term& ll = l.left();
     // A binder ((\ p) b): p shadows its letter in b.
     if (isByteLeaf(ll, '\\'))
-      return App(l, substituteAll(t.right(), mask & ~letterBit(l.right().first()), values));
+      return joined(l, substituteAll(t.right(), mask & ~letterBit(l.right().first()), values));
     // A wing ((({ p) w) y): w sees the outer letters, y not p.
     if (ll.isApp() && isByteLeaf(ll.left(), '{')) {
       uint32_t inner = mask & ~letterBit(ll.right().first());
       Term y = substituteAll(t.right(), inner, values);
       Term w = substituteAll(l.right(), mask, values);
-      return App(App(ll, std::move(w)), std::move(y));
+      return joined(joined(ll, std::move(w)), std::move(y));
     }
   }
   Term r = substituteAll(t.right(), mask, values);
-  return App(substituteAll(l, mask, values), std::move(r));
+  return joined(substituteAll(l, mask, values), std::move(r));
 }
 
 Term substitute(const Term& body, const Term& value, unsigned char letter) {
