@@ -91,3 +91,25 @@ for name, fn in [('pow', pow_), ('fact', fact_), ('mul', mul_), ('div', div_)]:
         wall = min(wall, time.perf_counter() - w0)
     print('  %-5s cpu %.4f s   wall %.4f s' % (name, cpu, wall))
 EOF
+
+# The same python3 workloads as whole processes (start-up, reading the
+# operands, computing and printing), the like-for-like peer of a tarn program.
+echo "python3 decimal (whole process, wall time, best of $runs)"
+for w in pow fact mul div; do
+  cat > "$work/$w.py" <<EOF2
+import decimal, sys
+sys.setrecursionlimit(100000)
+c = decimal.getcontext(); c.prec = 400000; c.Emax = decimal.MAX_EMAX; c.Emin = decimal.MIN_EMIN
+D = decimal.Decimal
+w = '$work'
+if '$w' == 'pow': print(D(3) ** 200000)
+if '$w' == 'fact':
+    def f(n): return D(1) if n < 2 else D(n) * f(n - 1)
+    print(f(10000))
+if '$w' == 'mul': print(D(open(w + '/x').read()) * D(open(w + '/y').read()))
+if '$w' == 'div':
+    q, r = divmod(D(open(w + '/a').read()), D(open(w + '/b').read()))
+    print(q); print(r)
+EOF2
+  printf '  %-5s %s s\n' "$w" "$(best "$runs" python3 "$work/$w.py")"
+done
