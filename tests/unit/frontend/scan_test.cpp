@@ -90,27 +90,15 @@ TEST(Scan, CommaRule) {
 }
 
 TEST(Scan, Normalise) {
-  EXPECT_EQ(normalise("a  b"), "a b");
-  EXPECT_EQ(normalise("a \n b"), "a\nb");
-  EXPECT_EQ(normalise("a\n\n  b"), "a\nb");
-  EXPECT_EQ(normalise("a + b"), "a+b");
-  EXPECT_EQ(normalise("a +\n b"), "a+b");
-  EXPECT_EQ(normalise("( a )"), "(a)");
-  EXPECT_EQ(normalise("{ a }"), "{a}");
-  EXPECT_EQ(normalise("a {b} c"), "a{b}c");
-  EXPECT_EQ(normalise("f (x)\n(y)"), "f (x)\n(y)");
-  EXPECT_EQ(normalise("  \n "), "");
-  EXPECT_EQ(normalise(""), "");
-  EXPECT_EQ(normalise("\n x \n"), "x");
-  // Literals keep their white space, and the space before one stays.
-  EXPECT_EQ(normalise("f [ a  b\n c ]"), "f [ a  b\n c ]");
-  EXPECT_EQ(normalise("[a [ ]]  x"), "[a [ ]] x");
-  // Bytes that are no operators keep their neighbours apart.
-  EXPECT_EQ(normalise("a ! b"), "a ! b");
-  EXPECT_EQ(normalise("a $ ~b"), "a $ ~b");
-  EXPECT_EQ(normalise("a\t b"), "a\t b");
-  EXPECT_EQ(normalise("a , b"), "a,b");
-  EXPECT_EQ(normalise("x\\ y"), "x\\y");
+  const std::pair<std::string_view, std::string_view> rows[] = {
+      {"a  b", "a b"}, {"a \n b", "a\nb"}, {"a\n\n  b", "a\nb"}, {"a + b", "a+b"},
+      {"a +\n b", "a+b"}, {"( a )", "(a)"}, {"{ a }", "{a}"}, {"a {b} c", "a{b}c"}, {"f (x)\n(y)", "f (x)\n(y)"},
+      {"  \n ", ""}, {"", ""}, {"\n x \n", "x"}, {"a , b", "a,b"}, {"x\\ y", "x\\y"},
+      // Literals keep their white space, and the space before one stays.
+      {"f [ a  b\n c ]", "f [ a  b\n c ]"}, {"[a [ ]]  x", "[a [ ]] x"},
+      // Bytes that are no operators keep their neighbours apart.
+      {"a ! b", "a ! b"}, {"a $ ~b", "a $ ~b"}, {"a\t b", "a\t b"}};
+  for (auto [text, want] : rows) EXPECT_EQ(normalise(text), want) << text;
 }
 
 TEST(Scan, Helpers) {
