@@ -12,6 +12,7 @@ namespace {
 using testing::blob;
 using testing::N;
 using testing::real;
+using testing::show;
 using testing::sym;
 using testing::text;
 using testing::vec;
@@ -60,28 +61,19 @@ TEST_F(Compare, TextsAsUnsignedBytes) {
 }
 
 TEST_F(Compare, VectorsElementByElement) {
-  EXPECT_EQ(less(vec({N("1"), N("2")}), vec({N("1"), N("3")})), "K");
-  EXPECT_EQ(gteq(vec({N("1"), N("2")}), vec({N("1"), N("3")})), "H");
-  EXPECT_EQ(gteq(vec({N("1"), N("3")}), vec({N("1"), N("2")})), "K");
-  EXPECT_EQ(less(vec({N("1")}), vec({N("1"), N("0")})), "K");
-  EXPECT_EQ(gteq(vec({N("1")}), vec({N("1"), N("0")})), "H");
-  EXPECT_EQ(gteq(vec({N("1"), N("2")}), vec({N("1"), N("2")})), "K");
-  EXPECT_EQ(same(vec({N("1"), N("2")}), vec({N("1"), N("2")})), "K");
-  EXPECT_EQ(same(vec({N("1")}), vec({N("1"), N("2")})), "H");
-  EXPECT_EQ(diff(vec({N("1")}), vec({N("1"), N("2")})), "K");
-  EXPECT_EQ(diff(vec({N("1"), N("2")}), vec({N("1"), N("5")})), "K");
-  // Kinds inside vectors order as at the top.
-  EXPECT_EQ(less(vec({N("9")}), vec({N("001")})), "K");
-  // An empty slot reads as a fresh Z: no answer, even against another one.
-  EXPECT_EQ(less(vec({Term()}), vec({N("1")})), "Z");
-  EXPECT_EQ(same(vec({Term()}), vec({Term()})), "Z");
-  EXPECT_EQ(diff(vec({N("1"), Term()}), vec({N("1"), Term()})), "Z");
-  EXPECT_EQ(gteq(vec({Term()}), vec({N("1")})), "Z");
-  // A function shared by both vectors is skipped as one node.
-  Term f = sym('S');
-  EXPECT_EQ(same(vec({f, N("2")}), vec({f, N("2")})), "K");
-  EXPECT_EQ(less(vec({f, N("2")}), vec({f, N("3")})), "K");
-  EXPECT_EQ(same(vec({sym('S')}), vec({sym('S')})), "Z");
+  Term v12 = vec({N("1"), N("2")}), v13 = vec({N("1"), N("3")}), v1 = vec({N("1")}), v10 = vec({N("1"), N("0")});
+  Term f = sym('S'), slot = vec({Term()});
+  // Each row: less, gteq, same, diff.
+  const std::tuple<Term, Term, std::string_view> rows[] = {
+      {v12, v13, "KHHK"}, {v13, v12, "HKHK"}, {v1, v10, "KHHK"}, {v12, vec({N("1"), N("2")}), "HKKH"},
+      {vec({N("9")}), vec({N("001")}), "KHHK"},  // kinds inside order as at the top
+      // An empty slot reads as a fresh Z: no answer, even against another one.
+      {slot, v1, "ZZZZ"}, {slot, vec({Term()}), "ZZZZ"}, {vec({N("1"), Term()}), vec({N("1"), Term()}), "ZZZZ"},
+      // A function shared by both vectors is skipped as one node.
+      {vec({f, N("2")}), vec({f, N("2")}), "HKKH"}, {vec({f, N("2")}), vec({f, N("3")}), "KHHK"},
+      {vec({sym('S')}), vec({sym('S')}), "ZZZZ"}};
+  for (const auto& [x, y, want] : rows)
+    EXPECT_EQ(less(x, y) + gteq(x, y) + same(x, y) + diff(x, y), want) << show(x) << " against " << show(y);
 }
 
 }  // namespace
