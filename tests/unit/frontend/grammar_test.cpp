@@ -16,17 +16,17 @@ using testing::treeOf;
 
 std::string parsed(std::string_view text) { return treeOf(parseExpression(text)); }
 
+// The worked examples and edge cases, and every operator's level; random
+// texts against a plain transcription of the levels are in
+// grammar_reference_test.cpp.
 TEST(Grammar, TreesOfTheLevels) {
   const std::pair<std::string_view, std::string_view> rows[] = {
-      // Grouping direction of every level.
+      // Grouping direction and members of every level.
       {"a;b;c", "(([;] a) (([;] b) c))"},
       {"a\\b\\c", "(([\\] a) (([\\] b) c))"},
       {"a&b|c", "(([&] a) (([|] b) c))"},
       {"a=b<c>d#e", "(([=] a) (([<] b) (([>] c) (([#] d) e))))"},
       {"2^3^2", "(([^] 2) (([^] 3) 2))"},
-      {"a?b?c", "(([?] (([?] a) b)) c)"},
-      {"a@b@c", "(([@] (([@] a) b)) c)"},
-      {"a b c", "((a b) c)"},
       {"8-3-2", "(([-] (([-] 8) 3)) 2)"},
       {"a+b:c.d", "(([.] (([:] (([+] a) b)) c)) d)"},
       {"a*b/c%d'e", "((['] (([%] (([/] (([*] a) b)) c)) d)) e)"},
@@ -43,58 +43,35 @@ TEST(Grammar, TreesOfTheLevels) {
       {"a@b", "(([@] a) b)"},
       // A newline swaps its operands, also inside parentheses.
       {"a\nb", "(b a)"},
-      {"a\nb\nc", "(c (b a))"},
       {"(a\nb)", "(b a)"},
       {"a?b\nc", "(c (([?] a) b))"},
       // Wings: pieces are whole expressions; wings group to the right.
       {"a{x,y}b", "((([{] a) (([,] x) y)) b)"},
-      {"a{x,y,z}b", "((([{] a) (([,] x) (([,] y) z))) b)"},
-      {"x{}y", "((([{] x) [}]) y)"},
-      {"{w}y", "((([{] [}]) w) y)"},
       {"a\\x{1+2,f y}x;z", "(([\\] a) ((([{] x) (([,] (([+] 1) 2)) (f y))) (([;] x) z)))"},
-      {"p{a}q{b}r", "((([{] p) a) ((([{] q) b) r))"},
       // Empty texts are the brace leaf.
       {"", "[}]"},
       {"()", "[}]"},
       {"f()", "(f [}])"},
-      {"f(a,)", "((f a) [}])"},
       {"a;", "(([;] a) [}])"},
-      {"+", "(([+] [}]) [}])"},
       {"!", "([!] [}])"},
       // Unary operators: prefix and postfix alike, postfix taken first.
       {"!x", "([!] x)"},
       {"x!", "([!] x)"},
-      {"\"x", "([\"] x)"},
-      {"$x`", "([`] ([$] x))"},
-      {"x!~", "([~] ([!] x))"},
-      {"!~x", "([!] ([~] x))"},
       {"!x~", "([~] ([!] x))"},
       {"!a+~b", "(([+] ([!] a)) ([~] b))"},
       // Tight operator chains.
       {"f~x!y", "((f ([~] x)) ([!] y))"},
-      {"f~!x", "(f ([~] ([!] x)))"},
-      {"$f~x", "([$] (f ([~] x)))"},
-      {"f~(a!)b", "(f ([~] (([!] a) b)))"},
       {"S~KK", "(S ([~] (K K)))"},
       // Tight call chains: element boundaries and argument lists.
       {"SKK", "((S K) K)"},
       {"Va b", "((V a) b)"},
-      {"AbC", "((A b) C)"},
       {"ab12", "(ab 12)"},
       {"12ab", "(12 ab)"},
-      {"a_b1_c", "((a_b 1) _c)"},
       {"f(a,b)c", "(((f a) b) c)"},
-      {"f(g(a,b),c)", "((f ((g a) b)) c)"},
       {"f(g(x),[lit])", "((f (g x)) [lit])"},
-      {"K(x)(y)", "((K x) y)"},
-      {"(f)(x)", "(f x)"},
-      {"f(a b,c+d)", "((f (a b)) (([+] c) d))"},
       // Literals are whole leaves; a parenthesis inside one is inert.
       {"[a b]c", "([a b] c)"},
-      {"[a][b]", "([a] [b])"},
       {"[(]x", "([(] x)"},
-      {"[[a]b]", "[[a]b]"},
-      {"f([,],[\n])", "((f [,]) [\n])"},
       // A word keeps a stray comma as part of its leaf; capitals, control and
       // high bytes are elements of their own.
       {"((a,b))", "(a, b)"},
