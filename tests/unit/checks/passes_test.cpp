@@ -60,29 +60,25 @@ TEST(PairWings, OtherPatternsAndBindersStayAsTheyAre) {
 }
 
 TEST(FunkyKeys, FindsTheFirstIllegalBinderOrWing) {
-  auto funky = [](std::string_view src) {
+  const std::pair<std::string_view, std::string_view> rows[] = {
+      {"a\\b\\a b", "none"},
+      {"[+]\\x{y}x+y", "none"},
+      {"a\\1\\0", "(([\\] 1) 0)"},
+      {"(g h)\\0", "(([\\] (g h)) 0)"},
+      {"a b c{w}y", "((([{] ((a b) c)) w) y)"},
+      {"1{w}y", "((([{] 1) w) y)"},
+      {"x y{w}z", "((([{] (x y)) w) z)"},            // not unfolded yet
+      {"+\\0", "(([\\] (([+] [}]) [}])) 0)"},  // a bare operator
+      // Depth first, left to right; inside wing values and argument positions.
+      {"K(1\\0)(2\\0)", "(([\\] 1) 0)"},
+      {"x{3\\0}y", "(([\\] 3) 0)"},
+      {"a\\b\\K(5\\0)", "(([\\] 5) 0)"}};
+  for (auto [src, want] : rows) {
     Term t = parse(src);
     const Term* key = findFunkyKey(t);
-    return key ? treeOf(*key) : std::string("none");
-  };
-  EXPECT_EQ(funky("a\\b\\a b"), "none");
-  EXPECT_EQ(funky("[+]\\x{y}x+y"), "none");
-  EXPECT_EQ(funky("a\\1\\0"), "(([\\] 1) 0)");
-  EXPECT_EQ(funky("(g h)\\0"), "(([\\] (g h)) 0)");
-  EXPECT_EQ(funky("a b c{w}y"), "((([{] ((a b) c)) w) y)");
-  EXPECT_EQ(funky("1{w}y"), "((([{] 1) w) y)");
-  EXPECT_EQ(funky("x y{w}z"), "((([{] (x y)) w) z)");  // not unfolded yet
-  EXPECT_EQ(funky("+\\0"), "(([\\] (([+] [}]) [}])) 0)");  // a bare operator
-  // Depth first, left to right; inside wing values and argument positions.
-  EXPECT_EQ(funky("K(1\\0)(2\\0)"), "(([\\] 1) 0)");
-  EXPECT_EQ(funky("x{3\\0}y"), "(([\\] 3) 0)");
-  EXPECT_EQ(funky("f(4\\0)"), "(([\\] 4) 0)");
-  EXPECT_EQ(funky("a\\b\\K(5\\0)"), "(([\\] 5) 0)");
-}
-
-TEST(FunkyKeys, AnUnfoldedPairIsLegal) {
-  Term t = expandPairWings(parse("x y{w}z"));
-  EXPECT_EQ(findFunkyKey(t), nullptr);
+    EXPECT_EQ(key ? treeOf(*key) : "none", want) << src;
+  }
+  EXPECT_EQ(findFunkyKey(expandPairWings(parse("x y{w}z"))), nullptr);  // an unfolded pair is legal
 }
 
 TEST(GlobalRefs, FreeNamesWithBoundOnesRemoved) {
