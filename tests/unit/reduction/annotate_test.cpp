@@ -79,20 +79,13 @@ TEST_F(Annotate, LeafArities) {
 }
 
 TEST_F(Annotate, Kinds) {
-  EXPECT_EQ(kindOf(term("0")), 'i');
-  EXPECT_EQ(kindOf(term("123")), 'i');
-  EXPECT_EQ(kindOf(term("05")), 'i');
-  EXPECT_EQ(kindOf(term("00")), 'o');
-  EXPECT_EQ(kindOf(term("007")), 'o');
-  EXPECT_EQ(kindOf(term("J K x")), 'i');
-  EXPECT_EQ(kindOf(term("J H x")), 'o');
-  EXPECT_EQ(kindOf(term("J Z x")), 'w');
-  EXPECT_EQ(kindOf(term("[ab]")), 'u');
+  const std::pair<std::string_view, char> byText[] = {
+      {"0", 'i'}, {"123", 'i'}, {"05", 'i'}, {"00", 'o'}, {"007", 'o'}, {"J K x", 'i'},
+      {"J H x", 'o'}, {"J Z x", 'w'}, {"[ab]", 'u'}, {"S", 'w'}, {"Z", 'w'}};
+  for (auto [source, kind] : byText) EXPECT_EQ(kindOf(term(std::string(source))), kind) << source;
   EXPECT_EQ(kindOf(blobLeaf("ab")), 'a');
   EXPECT_EQ(kindOf(realLeaf(2.0)), 'e');
   EXPECT_EQ(kindOf(vectorLeaf(0)), 'k');
-  EXPECT_EQ(kindOf(term("S")), 'w');
-  EXPECT_EQ(kindOf(term("Z")), 'w');
 }
 
 TEST_F(Annotate, LazyHeadsByByteOnly) {
