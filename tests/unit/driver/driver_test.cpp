@@ -70,26 +70,18 @@ int run(std::vector<std::string> args, std::string& out, std::string& err) {
   return status;
 }
 
+// The full 32-bit statuses; the golden programs in tests/programs/driver
+// check the streams.
 TEST(Driver, StatusesOfTheRunSequence) {
   std::string out, err;
   EXPECT_EQ(run({"tarn"}, out, err), 1);
-  EXPECT_EQ(out, "");
-  EXPECT_EQ(err.substr(0, 6), "\\/\\oh ");
-
   EXPECT_EQ(run({"tarn", "/nonexistent/dir/p.tarn", "x"}, out, err), int32_t(0x80000000u));
   EXPECT_EQ(out, "Error.\n");
-  EXPECT_EQ(err, " Type: Start\n Name: \"/nonexistent/dir/p.tarn\"\nCould not read program file.\n\\/\n");
-
-  EXPECT_EQ(run({"tarn", "/tmp"}, out, err), int32_t(0x80000000u));
-  EXPECT_EQ(out, "Error.\n");
-
   TempFile file;
   file.write("a\n(b");
   EXPECT_EQ(run({"tarn", file.path}, out, err), int32_t(0x80000000u));
-  EXPECT_EQ(out, "");
-  EXPECT_EQ(err.substr(0, 3), "\033[m");
-  EXPECT_NE(err.find("[match]"), std::string::npos);
-  EXPECT_EQ(err.substr(err.size() - 9), "[____b].\n");
+  file.write("a\\4294967553");  // 2^32 + 257: the low 32 bits
+  EXPECT_EQ(run({"tarn", file.path}, out, err), 257);
 }
 
 TEST(Driver, NoArgumentsAtAllStops) {

@@ -110,33 +110,6 @@ TEST(Numb, RandomValuesAgreeWithScaledIntegers) {
   }
 }
 
-// Reading a fixed form (one word or many) agrees with summing its positions
-// one at a time, and writing it back gives the same string.
-TEST(Numb, FixedFormsReadPositionByPosition) {
-  std::mt19937_64 rng(17);
-  for (size_t bytes = 1; bytes <= 24; bytes++) {
-    for (int round = 0; round < 20; round++) {
-      BitString f;
-      for (size_t i = 0; i + 1 < bytes; i++) f.push_back(char(rng() % 4 ? rng() : 0));
-      f.push_back(char(1 + rng() % 255));
-      Dyadic d = dyadicFromFixed(f);
-      int64_t lowest = 0;
-      for (size_t p = 1; p < 8 * bytes; p++)
-        if (getBit(f, p)) lowest = std::min(lowest, p % 2 ? int64_t(p - 1) / 2 : -int64_t(p / 2));
-      Natural sum;
-      for (size_t p = 1; p < 8 * bytes; p++) {
-        int64_t i = p % 2 ? int64_t(p - 1) / 2 : -int64_t(p / 2);
-        if (getBit(f, p)) sum = natAdd(sum, natShiftLeft(natOf(1), size_t(i - lowest)));
-      }
-      Dyadic ref = dyadicOf(getBit(f, 0), sum, lowest);
-      ASSERT_EQ(natCompare(d.mant, ref.mant), 0) << bytes;
-      EXPECT_EQ(d.exp, ref.exp);
-      EXPECT_EQ(d.plus, ref.plus);
-      EXPECT_EQ(fixedFromDyadic(d), f);
-    }
-  }
-}
-
 TEST(Numb, LongValuesKeepIdentities) {
   std::mt19937_64 rng(9);
   // Random bytes; `integer` keeps only the odd positions (and the sign).
