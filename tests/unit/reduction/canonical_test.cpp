@@ -92,13 +92,13 @@ TEST(Tern, PruningKeepsOnlyValues) {
 TEST(Tern, ManyEntriesSurviveErasureOfOthers) {
   clearSeenTerms();
   constexpr int kCount = 20000;
-  for (int i = 0; i < kCount; i++) tern(App(W("f"), W(std::to_string(i))));
-  for (int i = 0; i < kCount; i += 3) eraseSeen(App(W("f"), W(std::to_string(i))));
+  auto entry = [](int i) { return App(W("f"), W(std::to_string(i))); };
+  for (int i = 0; i < kCount; i++) tern(entry(i));
+  for (int i = 0; i < kCount; i += 3) eraseSeen(entry(i));
   int kept = 0;
   for (int i = 0; i < kCount; i++) {
-    bool seen = isSeen(App(W("f"), W(std::to_string(i))));
-    EXPECT_EQ(seen, i % 3 != 0) << i;
-    kept += seen;
+    kept += isSeen(entry(i));
+    EXPECT_EQ(isSeen(entry(i)), i % 3 != 0) << i;
     EXPECT_TRUE(isSeen(W(std::to_string(i))));
   }
   EXPECT_EQ(seenTermCount(), size_t(kept + kCount + 1));  // and the leaf f
