@@ -78,12 +78,6 @@ TEST(Checks, SharingLeavesOnlyValuesCanonical) {
   EXPECT_FALSE(isSeen(App(leaf("[xy]"), leafByte('K'))));
 }
 
-TEST(Checks, CompileTimeValuesStay) {
-  ASSERT_TRUE(runProgram("a\\ff,ff\\`(K 5 6)").ok());
-  EXPECT_EQ(treeOf(*findGlobal("ff")), "5");
-  EXPECT_EQ(textOf(*findGlobal("")), "5");
-}
-
 TEST(Run, TheAddressReachesTheMainTermAsAnInteger) {
   const char* argv[] = {"tarn", "p.tarn", "one", nullptr};
   int64_t address = int64_t(reinterpret_cast<intptr_t>(&argv[2]));

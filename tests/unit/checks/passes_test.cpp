@@ -136,12 +136,6 @@ TEST(Places, TwentySixNamesFitAndTwentySevenDoNot) {
   EXPECT_TRUE(tooMany.same(before));
 }
 
-TEST(Places, RenameLocalByItself) {
-  EXPECT_EQ(treeOf(renameLocal(parse("foo\\foo bar"), "foo", 'q')), "(([\\] q) (q bar))");
-  Term untouched = parse("a\\b c");
-  EXPECT_TRUE(renameLocal(untouched, "foo", 'q').same(untouched));
-}
-
 TEST(Arity, LeadingBindersOnly) {
   EXPECT_EQ(leadingBinders(parse("a\\b\\K(c\\0)")), 2);
   EXPECT_EQ(leadingBinders(parse("K(c\\0)")), 0);

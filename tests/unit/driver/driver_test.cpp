@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <random>
 
 #include "driver/driver.h"
 
@@ -29,18 +28,8 @@ struct TempFile {
   }
 };
 
-TEST(Driver, ReaderKeepsEveryByteAcrossBlocks) {
-  std::mt19937 rng(7);
-  TempFile file;
-  for (size_t size : {size_t(0), size_t(1), size_t(4094), size_t(4095), size_t(4096), size_t(8190),
-                      size_t(8191), size_t(12289)}) {
-    std::string bytes(size, '\0');
-    for (char& c : bytes) c = char(rng() % 4 == 0 ? 0 : rng());  // plenty of NULs
-    file.write(bytes);
-    EXPECT_EQ(readProgramFile(file.path.c_str()), bytes) << size;
-  }
-}
-
+// (Reading at the block boundaries and NUL bytes: the golden programs in
+// tests/programs/driver.)
 TEST(Driver, AppendFileAddsToTheEnd) {
   TempFile file;
   appendFile(file.path.c_str(), "ab");

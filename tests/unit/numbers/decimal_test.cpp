@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -119,27 +120,23 @@ struct BufferSink {
 };
 
 TEST(DecimalText, SinksGetTheExactLengthOnce) {
-  BufferSink out;
   const std::string big = "123456789012345678901234567890";  // beyond the machine word
-  hintMulInto("099", "99", out.sink());
-  EXPECT_EQ(out.text(), "09801");
-  hintMulInto("0" + big, "0", out.sink());
-  EXPECT_EQ(out.text(), "0");
-  hintAddInto(big, "0" + big, out.sink());
-  EXPECT_EQ(out.text(), "0");
-  hintSubInto("0" + big, "1", out.sink());
-  EXPECT_EQ(out.text(), "0123456789012345678901234567891");
-  hintPowaInto("0100", "3", out.sink());
-  EXPECT_EQ(out.text(), "01000000");
-  hintHalfInto("01", out.sink());
-  EXPECT_EQ(out.text(), "0");
-  hintOppositeInto("0" + big, out.sink());
-  EXPECT_EQ(out.text(), big);
   // big = 12345678901234567890 * 10^10 + 1234567890
-  EXPECT_TRUE(hintOverInto("0" + big, big.substr(0, 20), out.sink()));
-  EXPECT_EQ(out.text(), "010000000001");
-  EXPECT_TRUE(hintCentInto("0" + big, big.substr(0, 20), out.sink()));
-  EXPECT_EQ(out.text(), "12345678900000000000");
+  const std::pair<std::function<void(TextSink)>, std::string> rows[] = {
+      {[](TextSink s) { hintMulInto("099", "99", s); }, "09801"},
+      {[&](TextSink s) { hintMulInto("0" + big, "0", s); }, "0"},
+      {[&](TextSink s) { hintAddInto(big, "0" + big, s); }, "0"},
+      {[&](TextSink s) { hintSubInto("0" + big, "1", s); }, "0123456789012345678901234567891"},
+      {[](TextSink s) { hintPowaInto("0100", "3", s); }, "01000000"},
+      {[](TextSink s) { hintHalfInto("01", s); }, "0"},
+      {[&](TextSink s) { hintOppositeInto("0" + big, s); }, big},
+      {[&](TextSink s) { EXPECT_TRUE(hintOverInto("0" + big, big.substr(0, 20), s)); }, "010000000001"},
+      {[&](TextSink s) { EXPECT_TRUE(hintCentInto("0" + big, big.substr(0, 20), s)); }, "12345678900000000000"}};
+  BufferSink out;
+  for (const auto& [op, want] : rows) {
+    op(out.sink());
+    EXPECT_EQ(out.text(), want);
+  }
   BufferSink q, r;
   EXPECT_TRUE(hintOverCentInto(big, "07", q.sink(), r.sink()));
   EXPECT_EQ(q.text() + " " + r.text(), over(big, "07") + " " + cent(big, "07"));
