@@ -211,30 +211,24 @@ TEST(Numb, ToDouble) {
   EXPECT_EQ(numbToReal(leaf("003")), 1.5);
   EXPECT_EQ(numbToReal(leaf("000")), -1.0);
   EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(leaf("00"))), 0u);
-  auto power = [](int64_t i, bool plus = true) {
+  // The fixed form of the sum of signed powers 2^i, all of one sign.
+  auto powers = [](std::initializer_list<int64_t> indices, bool plus = true) {
     BitString f;
     setBit(f, 0, plus);
-    setBit(f, bitPosition(i));
+    for (int64_t i : indices) setBit(f, bitPosition(i));
     return f;
   };
-  auto both2 = [](BitString a, BitString b) {  // a + b for disjoint bits, untraced
-    for (size_t i = 1; i < b.size() * 8; i++)
-      if (getBit(b, i)) setBit(a, i);
-    return a;
-  };
-  EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(power(1024))), 0x7FF9000000000000u);
-  EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(power(-1075))), 0x7FF9000000000000u);
-  EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(power(1024, false))), 0x7FF9000000000000u);
-  EXPECT_EQ(numbToReal(power(1023)), std::ldexp(1.0, 1023));
-  EXPECT_EQ(numbToReal(power(-1022)), std::ldexp(1.0, -1022));
-  // Truncation: 1 + 2^-52 + 2^-53 gives 1 + 2^-52.
-  EXPECT_EQ(numbToReal(both2(both2(power(0), power(-52)), power(-53))), 1.0 + std::ldexp(1.0, -52));
-  // Subnormals: the bits below the top one, in ascending positions.
-  EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(both2(power(-1073), power(-1074)))), 0x0004000000000000u);
-  EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(both2(power(-1073, false), power(-1074)))),
-            0x8004000000000000u);
-  EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(both2(power(-1023), power(-1025)))), 2u);
-  EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(power(-1074))), 0u);
+  const uint64_t nan = 0x7FF9000000000000u;
+  const std::pair<BitString, uint64_t> rows[] = {
+      {powers({1024}), nan}, {powers({-1075}), nan}, {powers({1024}, false), nan},
+      {powers({1023}), std::bit_cast<uint64_t>(std::ldexp(1.0, 1023))},
+      {powers({-1022}), std::bit_cast<uint64_t>(std::ldexp(1.0, -1022))},
+      // Truncation: 1 + 2^-52 + 2^-53 gives 1 + 2^-52.
+      {powers({0, -52, -53}), std::bit_cast<uint64_t>(1.0 + std::ldexp(1.0, -52))},
+      // Subnormals: the bits below the top one, in ascending positions.
+      {powers({-1073, -1074}), 0x0004000000000000u}, {powers({-1073, -1074}, false), 0x8004000000000000u},
+      {powers({-1023, -1025}), 2u}, {powers({-1074}), 0u}};
+  for (const auto& [fixed, bits] : rows) EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(fixed)), bits) << tx(fixed);
 }
 
 TEST(Numb, FromDouble) {

@@ -4,25 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <string>
 
 #include "driver/stack.h"
 #include "reduction/printer.h"
-#include "terms/alphabet.h"
 
 namespace tarn {
 namespace {
-
-Term realLeaf(double v) {
-  std::string text(9, ' ');
-  std::memcpy(text.data() + 1, &v, sizeof v);
-  return leaf(text);
-}
-
-Term blobLeaf(std::string_view bytes) {
-  return leaf("(" + alphabetNumber(bytes.size()) + ")" + std::string(bytes));
-}
 
 Term vectorOf(std::initializer_list<Term> elements) {
   Term v = vectorLeaf(elements.size());
