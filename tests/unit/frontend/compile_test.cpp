@@ -65,22 +65,21 @@ TEST(Compile, BuiltinStubsCountTheirArguments) {
   for (const Builtin& b : builtinTable()) EXPECT_NE(findGlobal(b.name), nullptr) << b.name;
 }
 
-TEST(Compile, MainExpression) {
+// The main term that a source compiles to.
+std::string mainOf(std::string_view source) {
   loadPrelude();
-  ASSERT_TRUE(compile("a\\2+3").ok());
-  EXPECT_EQ(global(""), "(([\\] a) (([+] 2) 3))");
+  EXPECT_TRUE(compile(source).ok()) << source;
+  return global("");
+}
+
+TEST(Compile, MainExpression) {
+  EXPECT_EQ(mainOf("a\\2+3"), "(([\\] a) (([+] 2) 3))");
   EXPECT_TRUE(mainTerm().same(*findGlobal("")));
   // With no comma the whole text is the main expression, binder shape or not.
-  loadPrelude();
-  ASSERT_TRUE(compile("f\\a\\a").ok());
-  EXPECT_EQ(global(""), "(([\\] f) (([\\] a) a))");
+  EXPECT_EQ(mainOf("f\\a\\a"), "(([\\] f) (([\\] a) a))");
   EXPECT_EQ(findGlobal("f"), nullptr);
-  loadPrelude();
-  ASSERT_TRUE(compile("").ok());
-  EXPECT_EQ(global(""), "[}]");
-  loadPrelude();
-  ASSERT_TRUE(compile("  \n a  b \n").ok());
-  EXPECT_EQ(global(""), "(a b)");
+  EXPECT_EQ(mainOf(""), "[}]");
+  EXPECT_EQ(mainOf("  \n a  b \n"), "(a b)");
 }
 
 TEST(Compile, PlainAndCallFormDefinitions) {

@@ -98,12 +98,5 @@ TEST_F(Annotate, LazyHeadsByByteOnly) {
   EXPECT_TRUE(isLazyHead(term("K")));
 }
 
-TEST_F(Annotate, SpineShapes) {
-  EXPECT_EQ(spineShape(term("a\\b")), 'u');
-  EXPECT_EQ(spineShape(term("a{b}c")), 'i');
-  EXPECT_EQ(spineShape(term("f a b")), 'o');
-  EXPECT_EQ(spineShape(term("x")), 'o');
-}
-
 }  // namespace
 }  // namespace tarn
