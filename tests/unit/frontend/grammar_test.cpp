@@ -16,20 +16,16 @@ using testing::treeOf;
 
 std::string parsed(std::string_view text) { return treeOf(parseExpression(text)); }
 
-// The worked examples and edge cases, and every operator's level; random
+// The worked examples and edge cases, and the order of the levels; random
 // texts against a plain transcription of the levels are in
 // grammar_reference_test.cpp.
 TEST(Grammar, TreesOfTheLevels) {
   const std::pair<std::string_view, std::string_view> rows[] = {
-      // Grouping direction and members of every level.
+      // Grouping direction.
       {"a;b;c", "(([;] a) (([;] b) c))"},
       {"a\\b\\c", "(([\\] a) (([\\] b) c))"},
-      {"a&b|c", "(([&] a) (([|] b) c))"},
-      {"a=b<c>d#e", "(([=] a) (([<] b) (([>] c) (([#] d) e))))"},
       {"2^3^2", "(([^] 2) (([^] 3) 2))"},
       {"8-3-2", "(([-] (([-] 8) 3)) 2)"},
-      {"a+b:c.d", "(([.] (([:] (([+] a) b)) c)) d)"},
-      {"a*b/c%d'e", "((['] (([%] (([/] (([*] a) b)) c)) d)) e)"},
       // Level order: one operator of every infix level, loosest on the left,
       // then on the right; space between comparison and arithmetic.
       {"a;b?c&d=e@f+g*h^i",
@@ -44,7 +40,6 @@ TEST(Grammar, TreesOfTheLevels) {
       // A newline swaps its operands, also inside parentheses.
       {"a\nb", "(b a)"},
       {"(a\nb)", "(b a)"},
-      {"a?b\nc", "(c (([?] a) b))"},
       // Wings: pieces are whole expressions; wings group to the right.
       {"a{x,y}b", "((([{] a) (([,] x) y)) b)"},
       {"a\\x{1+2,f y}x;z", "(([\\] a) ((([{] x) (([,] (([+] 1) 2)) (f y))) (([;] x) z)))"},
@@ -54,14 +49,11 @@ TEST(Grammar, TreesOfTheLevels) {
       {"f()", "(f [}])"},
       {"a;", "(([;] a) [}])"},
       {"!", "([!] [}])"},
-      // Unary operators: prefix and postfix alike, postfix taken first.
+      // Unary operators: prefix and postfix alike.
       {"!x", "([!] x)"},
       {"x!", "([!] x)"},
-      {"!x~", "([~] ([!] x))"},
       {"!a+~b", "(([+] ([!] a)) ([~] b))"},
-      // Tight operator chains.
-      {"f~x!y", "((f ([~] x)) ([!] y))"},
-      {"S~KK", "(S ([~] (K K)))"},
+      {"f~x!y", "((f ([~] x)) ([!] y))"},  // a tight operator chain
       // Tight call chains: element boundaries and argument lists.
       {"SKK", "((S K) K)"},
       {"Va b", "((V a) b)"},
@@ -69,9 +61,8 @@ TEST(Grammar, TreesOfTheLevels) {
       {"12ab", "(12 ab)"},
       {"f(a,b)c", "(((f a) b) c)"},
       {"f(g(x),[lit])", "((f (g x)) [lit])"},
-      // Literals are whole leaves; a parenthesis inside one is inert.
+      // Literals are whole leaves, spaces kept.
       {"[a b]c", "([a b] c)"},
-      {"[(]x", "([(] x)"},
       // A word keeps a stray comma as part of its leaf; capitals, control and
       // high bytes are elements of their own.
       {"((a,b))", "(a, b)"},
