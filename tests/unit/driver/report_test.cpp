@@ -13,25 +13,18 @@ const std::string kTop =
     "\\/\\oh [match]     /\\   /  \\\n"
     "/\\uck_________/\\_/  \\_/    \\_\n";
 
+// A report of the five fields in record order.
+Report made(std::string say, std::string tag, std::string vip, std::string tip, std::string way) {
+  Report r;
+  r.say = std::move(say), r.tag = std::move(tag), r.vip = std::move(vip);
+  r.tip = std::move(tip), r.way = std::move(way);
+  return r;
+}
+
 TEST(Report, BannerLinesInFixedOrder) {
-  Report bare;
-  bare.tag = "match";
-  EXPECT_EQ(banner(bare), kTop);
-
-  Report full;
-  full.say = "s";
-  full.tag = "match";
-  full.vip = "v";
-  full.tip = "t";
-  full.way = "w";
-  EXPECT_EQ(banner(full), kTop + " <way> w\n <vip> v\n <tip> t\n <say> s\n");
-
-  Report some;
-  some.tag = "match";
-  some.tip = "a b";
-  EXPECT_EQ(banner(some), kTop + " <tip> a\033[32m \033[mb\n");
-
-  EXPECT_EQ(Report{}.tag, "check");
+  EXPECT_EQ(banner(made("", "match", "", "", "")), kTop);
+  EXPECT_EQ(banner(made("s", "match", "v", "t", "w")), kTop + " <way> w\n <vip> v\n <tip> t\n <say> s\n");
+  EXPECT_EQ(banner(made("", "match", "", "a b", "")), kTop + " <tip> a\033[32m \033[mb\n");
   EXPECT_TRUE(Report{}.ok());
 }
 
@@ -95,11 +88,7 @@ TEST(Report, ExcerptsStayBalancedWithinTheLimit) {
 }
 
 TEST(Report, TextFormRoundTrip) {
-  Report r;
-  r.say = "s";
-  r.tag = "t";
-  r.vip = "v";
-  r.way = "w";
+  Report r = made("s", "t", "v", "", "w");
   EXPECT_EQ(reportText(r), "['[\"s][\"t][\"v][\"][\"w]]");
   auto trip = [](const Report& in) {
     Report b = reportFromText(reportText(in));
