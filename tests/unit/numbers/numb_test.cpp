@@ -61,10 +61,7 @@ TEST(Numb, SumsProductsAndRemainders) {
 }
 
 TEST(Numb, SignsAndMagnitudesOnFixedForms) {
-  EXPECT_TRUE(numbIsZero(fx("00")));
-  EXPECT_FALSE(numbIsZero(fx("000")));
-  EXPECT_TRUE(numbSign(fx("001")));
-  EXPECT_FALSE(numbSign(fx("000")));
+  EXPECT_TRUE(numbIsZero(fx("00")) && !numbIsZero(fx("000")) && numbSign(fx("001")) && !numbSign(fx("000")));
   EXPECT_EQ(tx(numbOpposite(fx("003"))), "0001");
   EXPECT_EQ(numbOpposite(fx("00")), BitString(1, '\1'));
   EXPECT_EQ(tx(numbWithSign(false, fx("001"))), "000");
@@ -78,11 +75,8 @@ TEST(Numb, SignsAndMagnitudesOnFixedForms) {
   EXPECT_EQ(tx(magnitudeShift(fx("003"), 2)), numbInt(6));
   EXPECT_EQ(tx(magnitudeShift(fx("003"), -1)), "0010");  // 0.75
   EXPECT_EQ(tx(magnitudeMul(fx("005"), fx("005"))), numbInt(9));
-  EXPECT_EQ(magnitudeTop(fx("002")), -1);
-  EXPECT_EQ(magnitudeTop(fx("003")), 0);
-  EXPECT_EQ(magnitudeTop(fx("0064")), 3);
-  EXPECT_TRUE(magnitudeLess(fx("002"), fx("001")));
-  EXPECT_FALSE(magnitudeLess(fx("001"), fx("001")));
+  for (auto [numb, top] : {std::pair{"002", -1}, {"003", 0}, {"0064", 3}}) EXPECT_EQ(magnitudeTop(fx(numb)), top);
+  EXPECT_TRUE(magnitudeLess(fx("002"), fx("001")) && !magnitudeLess(fx("001"), fx("001")));
   EXPECT_DEATH(magnitudeTop(fx("00")), "ASSERTION FAILED");
 }
 
