@@ -98,14 +98,10 @@ Report runMain(Term body) {
 
 TEST(Run, JudgementOfTheResult) {
   // A report carried out of a run-time compilation comes back whole.
-  Report carried;
-  carried.say = "Attempt to redefine function gg using the road function.";
-  carried.tag = "roads";
-  carried.vip = "gg";
-  carried.tip = "t";
-  carried.way = "yes";
-  Term failure = App(leafByte(']'), leaf(reportText(carried)));
-  EXPECT_EQ(fields(runMain(failure)), fields(carried));
+  const std::string carried =
+      "['[\"Attempt to redefine function gg using the road function.][\"roads][\"gg][\"t][\"yes]]";
+  EXPECT_EQ(fields(runMain(App(leafByte(']'), leaf(carried)))),
+            "roads|Attempt to redefine function gg using the road function.|gg|t|yes");
   // The markers are no blobs and no applications: they are out of range.
   EXPECT_EQ(fields(runMain(leaf("]undefined"))),
             "range|The program must return an integer. Instead we encountered:\n()||()|");

@@ -55,7 +55,8 @@ TEST(Hint, ProductLeafCarriesArityTwo) {
       {"099", "99", "09801", header::kProductLeafTop},
       {"0", "05", "0", header::kFreshLeafTop},
       {nines, nines, std::string(17, '9') + "8" + std::string(17, '0') + "1", header::kProductLeafTop},
-      {"1" + std::string(20, '0'), "01" + std::string(20, '0'), "01" + std::string(40, '0'), header::kProductLeafTop}};
+      {"1" + std::string(20, '0'), "01" + std::string(20, '0'), "01" + std::string(40, '0'),
+       header::kProductLeafTop}};
   for (const auto& [x, y, product, top] : rows) {
     Term p = hintMult(N(x), N(y));
     EXPECT_EQ(text(p), product);

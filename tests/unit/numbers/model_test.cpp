@@ -19,7 +19,8 @@ TEST(NumberModel, HostTests) {
   const std::pair<std::string_view, std::string_view> leaves[] = {
       {"0", "KKH"}, {"07", "KHH"}, {"5", "KKH"}, {"123", "KKH"}, {"00", "HHK"}, {"007", "HHK"}, {"03", "KHH"}};
   auto answers = [](const Term& t) {
-    return std::string(isHostInteger(t) ? "K" : "H") + (isHostNatural(t) ? "K" : "H") + (isNumbForm(t) ? "K" : "H");
+    auto kh = [](bool b) { return b ? "K" : "H"; };
+    return std::string(kh(isHostInteger(t))) + kh(isHostNatural(t)) + kh(isNumbForm(t));
   };
   for (auto [text, want] : leaves) EXPECT_EQ(answers(leaf(text)), want) << text;
   // In cell form only a numb passes the natural test, by design.
@@ -63,7 +64,8 @@ TEST(NumberModel, Signs) {
   EXPECT_TRUE(hintSign(leaf("0")) && hintSign(leaf("5")));
   EXPECT_FALSE(hintSign(leaf("05")));
   EXPECT_EQ(textOf(hintAbs(leaf("05"))), "5");
-  for (auto [x, minus] : {std::pair{"5", "05"}, {"05", "5"}, {"0", "0"}}) EXPECT_EQ(textOf(hintNegate(leaf(x))), minus);
+  for (auto [x, minus] : {std::pair{"5", "05"}, {"05", "5"}, {"0", "0"}})
+    EXPECT_EQ(textOf(hintNegate(leaf(x))), minus);
   // The cell spelling negates by dropping its first cell, by design.
   EXPECT_EQ(printTerm(hintNegate(cells("J K (J K K)"))), "JKK");
   EXPECT_EQ(textOf(hintAbs(cells("J K (J H K)"))), "1");

@@ -44,18 +44,17 @@ BitString refFixed(__int128 s, int scale) {
 TEST(Numb, SumsProductsAndRemainders) {
   // 1.5 "003", 0.5 "002", -1 "000", 1 "001", 2 "004", -2 "00000", 5.5
   // "0019", -5.5 "0009", 4 "0016", 0.75 "0010".
-  const char* const rows[][4] = {
-      {"+", "003", "002", "004"},     {"+", "000", "001", "00"},      {"-", "001", "001", "00"},
-      {"-", "002", "004", "0001"},    {"*", "003", "003", "0012"},    {"*", "00", "000", "00"},
-      {"*", "000", "003", "0001"},    {"%", "0019", "004", "003"},    {"%", "0009", "004", "002"},
-      {"%", "0019", "00000", "002"},  {"%", "0009", "00000", "003"},  {"%", "0016", "004", "00"},
-      {"%", "001", "0010", "008"},    {"%", "000", "0010", "002"},    {"%", "0019", "00", "Z"}};
-  for (const auto& r : rows) {
-    Term x = leaf(r[1]), y = leaf(r[2]);
-    char op = r[0][0];
-    Term got = op == '+' ? numbPlus(x, y) : op == '-' ? numbDash(x, y) : op == '*' ? numbMult(x, y) : numbCent(x, y);
-    EXPECT_EQ(text(got), r[3]) << r[1] << " " << op << " " << r[2];
-  }
+  struct Row {
+    Term (*op)(const Term&, const Term&);
+    const char *x, *y, *want;
+  };
+  const Row rows[] = {
+      {numbPlus, "003", "002", "004"},    {numbPlus, "000", "001", "00"},     {numbDash, "001", "001", "00"},
+      {numbDash, "002", "004", "0001"},   {numbMult, "003", "003", "0012"},   {numbMult, "00", "000", "00"},
+      {numbMult, "000", "003", "0001"},   {numbCent, "0019", "004", "003"},   {numbCent, "0009", "004", "002"},
+      {numbCent, "0019", "00000", "002"}, {numbCent, "0009", "00000", "003"}, {numbCent, "0016", "004", "00"},
+      {numbCent, "001", "0010", "008"},   {numbCent, "000", "0010", "002"},   {numbCent, "0019", "00", "Z"}};
+  for (const Row& r : rows) EXPECT_EQ(text(r.op(leaf(r.x), leaf(r.y))), r.want) << r.x << " and " << r.y;
   // Cell spellings are read through their lists: [H, K] is 1.
   EXPECT_EQ(text(numbPlus(cell(false, cell(true, K())), leaf("001"))), "004");
 }
