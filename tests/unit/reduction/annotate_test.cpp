@@ -16,25 +16,20 @@ class Annotate : public ::testing::Test {
 };
 
 TEST_F(Annotate, LocalLettersAreUnknownAndSticky) {
-  Term a = term("a");
-  EXPECT_EQ(arityOf(a), 11);
-  EXPECT_EQ(freeSet(a), 1u);
-  Term ab = term("a b");
-  EXPECT_EQ(arityOf(ab), 11);
-  EXPECT_EQ(freeSet(ab), 3u);
+  Term a = term("a"), ab = term("a b");
+  EXPECT_TRUE(arityOf(a) == 11 && freeSet(a) == 1u);
+  EXPECT_TRUE(arityOf(ab) == 11 && freeSet(ab) == 3u);
   EXPECT_FALSE(ab.node()->pending() && arityOf(ab) < 1);
 }
 
-TEST_F(Annotate, BindersAreValuesWithTheirBodyFreeSet) {
+TEST_F(Annotate, BindersAndWingsTakeTheirNameFromTheFreeSet) {
   Term id = term("a\\a");
-  EXPECT_EQ(freeSet(id), 0u);
-  EXPECT_EQ(arityOf(id), 1);
-  EXPECT_FALSE(id.node()->pending());
-  EXPECT_TRUE(isValue(id));
-  Term open = term("a\\a b");
-  EXPECT_EQ(freeSet(open), 2u);  // b only
-  Term pendingBody = term("a\\K(M M)");
-  EXPECT_TRUE(isValue(pendingBody));
+  EXPECT_TRUE(freeSet(id) == 0u && arityOf(id) == 1 && !id.node()->pending() && isValue(id));
+  EXPECT_EQ(freeSet(term("a\\a b")), 2u);  // b only
+  EXPECT_TRUE(isValue(term("a\\K(M M)")));
+  Term wing = term("a{b}a c");  // ({ a b (a c)): free b and c
+  EXPECT_EQ(freeSet(wing), (1u << 1) | (1u << 2));
+  EXPECT_EQ(arityOf(wing), 0);
 }
 
 TEST_F(Annotate, DataAndMixedApplications) {
@@ -48,12 +43,6 @@ TEST_F(Annotate, DataAndMixedApplications) {
   Term mixed = App(term("[x]"), term("K"));
   EXPECT_FALSE(isData(mixed));
   EXPECT_EQ(arityOf(mixed), 0);
-}
-
-TEST_F(Annotate, WingsBindTheirName) {
-  Term wing = term("a{b}a c");  // ({ a b (a c)): free b and c
-  EXPECT_EQ(freeSet(wing), (1u << 1) | (1u << 2));
-  EXPECT_EQ(arityOf(wing), 0);
 }
 
 TEST_F(Annotate, GlobalArityCountsBindersUpToEleven) {

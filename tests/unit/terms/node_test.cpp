@@ -30,6 +30,14 @@ TEST(Header, FieldsSitAtTheirBitsAndSettersKeepTheRest) {
   setArity(&n, 0);
   EXPECT_EQ(n.top(), '4');
   EXPECT_EQ(n.size(), 0x1555555u);
+  setArity(&n, 11);
+  EXPECT_EQ(n.top() & 63, 63);
+  EXPECT_DEATH(setArity(&n, 12), "ASSERTION FAILED");
+  EXPECT_DEATH(setArity(&n, -53), "ASSERTION FAILED");
+  Term x = App(leaf("a"), leaf("b"));
+  setSize(x.node(), 0x3ffffff);
+  EXPECT_EQ(x.node()->size(), 0x3ffffffu);
+  EXPECT_DEATH(setSize(x.node(), 0x4000000), "ASSERTION FAILED");
 }
 
 TEST(Header, CountChangesKeepTheUpperBitsAndStopAtTheLimit) {
@@ -50,17 +58,6 @@ TEST(Header, CountChangesKeepTheUpperBitsAndStopAtTheLimit) {
   Term& alias = x;
   x = alias;  // self-assignment leaves the count alone
   EXPECT_EQ(n->count(), 1u);
-}
-
-TEST(Header, SetArityAndSizeCheckTheirRanges) {
-  Term x = App(leaf("a"), leaf("b"));
-  setArity(x.node(), 11);
-  EXPECT_EQ(x.node()->top() & 63, 63);
-  EXPECT_DEATH(setArity(x.node(), 12), "ASSERTION FAILED");
-  EXPECT_DEATH(setArity(x.node(), -53), "ASSERTION FAILED");
-  setSize(x.node(), 0x3ffffff);
-  EXPECT_EQ(x.node()->size(), 0x3ffffffu);
-  EXPECT_DEATH(setSize(x.node(), 0x4000000), "ASSERTION FAILED");
 }
 
 TEST(Node, ApplicationIsThreeWordsAndCountsChildren) {
@@ -87,6 +84,9 @@ TEST(Node, LeafSizesByForm) {
   EXPECT_EQ(leaf("plus").node()->size(), 0u);
   Term nul = leaf(std::string_view("a\0b", 3));
   EXPECT_EQ(nul.node()->bytes()[3], 0);
+  // A blob's length comes from its count; an empty count is no bytes.
+  EXPECT_EQ(textOf(leaf("()")), "()");
+  EXPECT_EQ(textOf(leaf(std::string_view("(b)x\0yz", 7))), std::string_view("(b)x\0", 5));
   // 0x3ffffff digits carry their length; one more and it is found by scanning.
   std::string digits(0x4000000, '7');
   Term big = leaf(digits);

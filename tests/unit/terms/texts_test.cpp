@@ -70,11 +70,6 @@ TEST(Texts, ByteTablePairs) {
   EXPECT_DEATH(byteOfPair(2, ' '), "ASSERTION FAILED");
 }
 
-TEST(Texts, BlobLengthsFromTheirCount) {
-  EXPECT_EQ(textOf(leaf("()")), "()");
-  EXPECT_EQ(textOf(leaf(std::string_view("(b)x\0yz", 7))), std::string_view("(b)x\0", 5));
-}
-
 TEST(Texts, BracketCodesAndTheShorthand) {
   const std::string_view first[] = {"[]", "[[]]", "[[][]]", "[[[]]]", "[[[]][]]", "[[][][]]"};
   for (int n = 0; n < 6; n++) EXPECT_EQ(bracketCode(n), first[n]) << n;
