@@ -1,7 +1,7 @@
 // Hint text arithmetic: the edge results, the machine-word boundaries, the
-// sinks, and the limb form underneath. The sign tables of floor division and
-// remainder are held at the Term level (hint_test.cpp) on both paths, and
-// every operation at every size against python3 (tests/numbers).
+// sinks, and the limb form underneath. The Term level has its own sign table
+// on both paths (hint_test.cpp), and python3 checks every operation at every
+// size (tests/numbers).
 #include <gtest/gtest.h>
 
 #include <cstdint>

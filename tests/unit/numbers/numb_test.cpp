@@ -1,6 +1,7 @@
 // Binary fraction arithmetic: exact results and signs, the power schedule, the
-// order test with its window, the trace lines and the double conversions.
-// Random cases are checked against a bit-by-bit encoding of scaled integers.
+// order test with its window and the double conversions. Random cases are
+// checked against a bit-by-bit encoding of scaled integers; the trace lines
+// are the golden program trace_file_lines'.
 #include <gtest/gtest.h>
 
 #include <bit>
