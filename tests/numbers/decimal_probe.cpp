@@ -1,21 +1,30 @@
 // Test driver for the hint text arithmetic: reads lines "OP X [Y]" from the
 // standard input and writes one result text per line ("Z" when there is no
-// result). OP is one of add sub mul over cent powa half opp cmp.
+// result). OP is one of add sub mul over cent divmod (writes "Q R") powa half
+// opp cmp, or one of them behind "scalar-", run with the vector kernels off.
 #include <iostream>
 #include <string>
 
 #include "numbers/decimal.h"
+#include "numbers/decimal_simd.h"
 
 namespace {
 
 std::string apply(const std::string& op, const std::string& x, const std::string& y) {
   using namespace tarn;
-  std::string r;
+  if (op.rfind("scalar-", 0) == 0) {
+    useVectorKernels(false);
+    std::string result = apply(op.substr(7), x, y);
+    useVectorKernels(true);
+    return result;
+  }
+  std::string q, r;
   if (op == "add") return hintAddText(x, y);
   if (op == "sub") return hintSubText(x, y);
   if (op == "mul") return hintMulText(x, y);
   if (op == "over") return hintOverText(x, y, r) ? r : "Z";
   if (op == "cent") return hintCentText(x, y, r) ? r : "Z";
+  if (op == "divmod") return hintOverCentText(x, y, q, r) ? q + " " + r : "Z";
   if (op == "powa") return hintPowaText(x, y);
   if (op == "half") return hintHalfText(x);
   if (op == "opp") return hintOppositeText(x);

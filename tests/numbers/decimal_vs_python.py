@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Differential test of the hint text arithmetic against python3's decimal
 module, through decimal_probe: random hint texts from one digit to 200,000
-digits, results by the operators' rules (floor division; remainder |x| mod |y|
-for equal signs, |y| minus it otherwise, zero counting as positive; powers
-give 0 for a negative exponent and 1 for exponent 0).
+digits, some also with the scalar kernels; results by the operators' rules
+(floor division; remainder |x| mod |y| for equal signs, |y| minus it
+otherwise, zero counting as positive; powers give 0 for a negative exponent
+and 1 for exponent 0).
 
 Usage: decimal_vs_python.py PROBE [--small]   (--small: sanitizer builds)
 """
@@ -33,9 +34,13 @@ def plus(t):
 
 
 def expected(op, x, y):
+    if op.startswith('scalar-'):
+        return expected(op[7:], x, y)
     a, b = value(x), value(y) if y else None
-    if op in ('over', 'cent') and b == 0:
+    if op in ('over', 'cent', 'divmod') and b == 0:
         return 'Z'
+    if op == 'divmod':
+        return expected('over', x, y) + ' ' + expected('cent', x, y)
     if op == 'over':
         q, r = divmod(a, b)  # truncating
         return text(q - 1 if r != 0 and (a < 0) != (b < 0) else q)
@@ -73,8 +78,11 @@ for _ in range(3000):
     n1 = rng.choice([rng.randrange(1, 40), rng.randrange(1, 400), rng.randrange(1, 4000)])
     n2 = rng.choice([rng.randrange(1, 40), rng.randrange(1, n1 + 2), n1])
     x, y = hint(min(n1, 1500) if small else n1), hint(min(n2, 1500) if small else n2)
-    cases += [(op, x, y) for op in ('add', 'sub', 'mul', 'over', 'cent', 'cmp')]
+    cases += [(op, x, y) for op in ('add', 'sub', 'mul', 'over', 'cent', 'divmod', 'cmp')]
     cases += [('half', x, ''), ('opp', x, '')]
+# The scalar kernels on part of the same operands (the vector ones are used
+# wherever the processor has them).
+cases += [('scalar-' + op, x, y) for op, x, y in cases[:8000] if op in ('add', 'mul', 'divmod')]
 for _ in range(200):
     e = rng.randrange(0, 100 if small else 300)
     cases.append(('powa', hint(rng.randrange(1, 12)), str(e) if rng.randrange(8) or e == 0 else '0%d' % e))
@@ -82,7 +90,7 @@ big = [(100000, 100000), (100000, 1000), (50000, 7), (200000, 100000), (150000, 
        (60000, 59000), (120000, 40000)]
 for n1, n2 in big:
     x, y = magnitude(n1 // 10 if small else n1), magnitude(max(1, n2 // 10) if small else n2)
-    cases += [(op, sx + x, y) for op in ('mul', 'over', 'cent', 'add') for sx in ('', '0')]
+    cases += [(op, sx + x, y) for op in ('mul', 'over', 'cent', 'divmod', 'add') for sx in ('', '0')]
 for b, e in [('3', 200000), ('07', 50001), ('012', 33333), ('123456789', 10001), ('1000', 3000)]:
     cases.append(('powa', b, str(e // 10 if small else e)))
 

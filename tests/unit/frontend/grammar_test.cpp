@@ -16,136 +16,66 @@ using testing::treeOf;
 
 std::string parsed(std::string_view text) { return treeOf(parseExpression(text)); }
 
-TEST(Grammar, RightGroupingLevels) {
-  EXPECT_EQ(parsed("a;b;c"), "(([;] a) (([;] b) c))");
-  EXPECT_EQ(parsed("a\\b\\c"), "(([\\] a) (([\\] b) c))");
-  EXPECT_EQ(parsed("a&b|c"), "(([&] a) (([|] b) c))");
-  EXPECT_EQ(parsed("a=b<c>d#e"), "(([=] a) (([<] b) (([>] c) (([#] d) e))))");
-  EXPECT_EQ(parsed("2^3^2"), "(([^] 2) (([^] 3) 2))");
+// The worked examples and edge cases, and the order of the levels; random
+// texts against a plain transcription of the levels are in
+// grammar_reference_test.cpp.
+TEST(Grammar, TreesOfTheLevels) {
+  const std::pair<std::string_view, std::string_view> rows[] = {
+      // Grouping direction.
+      {"a;b;c", "(([;] a) (([;] b) c))"},
+      {"a\\b\\c", "(([\\] a) (([\\] b) c))"},
+      {"2^3^2", "(([^] 2) (([^] 3) 2))"},
+      {"8-3-2", "(([-] (([-] 8) 3)) 2)"},
+      // Level order: one operator of every infix level, loosest on the left,
+      // then on the right; space between comparison and arithmetic.
+      {"a;b?c&d=e@f+g*h^i",
+       "(([;] a) (([?] b) (([&] c) (([=] d) (([@] e) (([+] f) (([*] g) (([^] h) i))))))))"},
+      {"a^b*c+d@e=f&g?h;i",
+       "(([;] (([?] (([&] (([=] (([@] (([+] (([*] (([^] a) b)) c)) d)) e)) f)) g)) h)) i)"},
+      {"1+2*3", "(([+] 1) (([*] 2) 3))"},
+      {"f x+1", "(f (([+] x) 1))"},
+      {"a*b c", "((([*] a) b) c)"},
+      {"a b(c)", "(a (b c))"},
+      {"a@b", "(([@] a) b)"},
+      // A newline swaps its operands, also inside parentheses.
+      {"a\nb", "(b a)"},
+      {"(a\nb)", "(b a)"},
+      // Wings: pieces are whole expressions; wings group to the right.
+      {"a{x,y}b", "((([{] a) (([,] x) y)) b)"},
+      {"a\\x{1+2,f y}x;z", "(([\\] a) ((([{] x) (([,] (([+] 1) 2)) (f y))) (([;] x) z)))"},
+      // Empty texts are the brace leaf.
+      {"", "[}]"},
+      {"()", "[}]"},
+      {"f()", "(f [}])"},
+      {"a;", "(([;] a) [}])"},
+      {"!", "([!] [}])"},
+      // Unary operators: prefix and postfix alike.
+      {"!x", "([!] x)"},
+      {"x!", "([!] x)"},
+      {"!a+~b", "(([+] ([!] a)) ([~] b))"},
+      {"f~x!y", "((f ([~] x)) ([!] y))"},  // a tight operator chain
+      // Tight call chains: element boundaries and argument lists.
+      {"SKK", "((S K) K)"},
+      {"Va b", "((V a) b)"},
+      {"ab12", "(ab 12)"},
+      {"12ab", "(12 ab)"},
+      {"f(a,b)c", "(((f a) b) c)"},
+      {"f(g(x),[lit])", "((f (g x)) [lit])"},
+      // Literals are whole leaves, spaces kept.
+      {"[a b]c", "([a b] c)"},
+      // A word keeps a stray comma as part of its leaf; capitals, control and
+      // high bytes are elements of their own.
+      {"((a,b))", "(a, b)"},
+      {"x\x7f\x01y", "(((x [\x7f]) [\x01]) y)"},
+  };
+  for (auto [text, tree] : rows) EXPECT_EQ(parsed(text), tree) << text;
 }
 
-TEST(Grammar, LeftGroupingLevels) {
-  EXPECT_EQ(parsed("a?b?c"), "(([?] (([?] a) b)) c)");
-  EXPECT_EQ(parsed("a@b@c"), "(([@] (([@] a) b)) c)");
-  EXPECT_EQ(parsed("a b c"), "((a b) c)");
-  EXPECT_EQ(parsed("8-3-2"), "(([-] (([-] 8) 3)) 2)");
-  EXPECT_EQ(parsed("a+b:c.d"), "(([.] (([:] (([+] a) b)) c)) d)");
-  EXPECT_EQ(parsed("a*b/c%d'e"), "((['] (([%] (([/] (([*] a) b)) c)) d)) e)");
-}
-
-TEST(Grammar, LevelOrderLoosestFirst) {
-  EXPECT_EQ(parsed("1+2*3"), "(([+] 1) (([*] 2) 3))");
-  EXPECT_EQ(parsed("f x+1"), "(f (([+] x) 1))");
-  EXPECT_EQ(parsed("a*b c"), "((([*] a) b) c)");
-  EXPECT_EQ(parsed("a b=c"), "(([=] (a b)) c)");
-  // One operator of every infix level, loosest on the left, then on the right.
-  EXPECT_EQ(parsed("a;b?c&d=e@f+g*h^i"),
-            "(([;] a) (([?] b) (([&] c) (([=] d) (([@] e) (([+] f) (([*] g) (([^] h) i))))))))");
-  EXPECT_EQ(parsed("a^b*c+d@e=f&g?h;i"),
-            "(([;] (([?] (([&] (([=] (([@] (([+] (([*] (([^] a) b)) c)) d)) e)) f)) g)) h)) i)");
-  EXPECT_EQ(parsed("x\\y"), "(([\\] x) y)");
-  EXPECT_EQ(parsed("a\\b\\c"), "(([\\] a) (([\\] b) c))");
-}
-
-TEST(Grammar, SpaceAgainstAt) {
-  EXPECT_EQ(parsed("a@b"), "(([@] a) b)");
-  EXPECT_EQ(parsed("a b"), "(a b)");
-  EXPECT_EQ(parsed("a b(c)"), "(a (b c))");
-}
-
-TEST(Grammar, NewlineSwapsItsOperands) {
-  EXPECT_EQ(parsed("a\nb"), "(b a)");
-  EXPECT_EQ(parsed("a\nb\nc"), "(c (b a))");
-  EXPECT_EQ(parsed("(a\nb)"), "(b a)");
-  EXPECT_EQ(parsed("f\ng x"), "((g x) f)");
-  EXPECT_EQ(parsed("a?b\nc"), "(c (([?] a) b))");
-}
-
-TEST(Grammar, Wings) {
-  EXPECT_EQ(parsed("a{x,y}b"), "((([{] a) (([,] x) y)) b)");
-  EXPECT_EQ(parsed("a{x,y,z}b"), "((([{] a) (([,] x) (([,] y) z))) b)");
-  EXPECT_EQ(parsed("x{w}y"), "((([{] x) w) y)");
-  EXPECT_EQ(parsed("x{}y"), "((([{] x) [}]) y)");
-  EXPECT_EQ(parsed("{w}y"), "((([{] [}]) w) y)");
-  // A wing's pieces are whole expressions, and wings group to the right among
-  // the other level-1 operators.
-  EXPECT_EQ(parsed("a\\x{1+2,f y}x;z"),
-            "(([\\] a) ((([{] x) (([,] (([+] 1) 2)) (f y))) (([;] x) z)))");
-  EXPECT_EQ(parsed("p{a}q{b}r"), "((([{] p) a) ((([{] q) b) r))");
-}
-
-TEST(Grammar, EmptyTextsAreTheBraceLeaf) {
-  EXPECT_EQ(parsed(""), "[}]");
-  EXPECT_EQ(parsed("()"), "[}]");
-  EXPECT_EQ(parsed("f()"), "(f [}])");
-  EXPECT_EQ(parsed("f(a,)"), "((f a) [}])");
-  EXPECT_EQ(parsed("a;"), "(([;] a) [}])");
-  EXPECT_EQ(parsed("+"), "(([+] [}]) [}])");
-  EXPECT_EQ(parsed("!"), "([!] [}])");
-}
-
-TEST(Grammar, UnaryPrefixAndPostfix) {
-  EXPECT_EQ(parsed("x!"), parsed("!x"));
-  EXPECT_EQ(parsed("!x"), "([!] x)");
-  EXPECT_EQ(parsed("~x"), "([~] x)");
-  EXPECT_EQ(parsed("\"x"), "([\"] x)");
-  EXPECT_EQ(parsed("$x"), "([$] x)");
-  EXPECT_EQ(parsed("`x"), "([`] x)");
-  EXPECT_EQ(parsed("x!~"), "([~] ([!] x))");
-  EXPECT_EQ(parsed("!~x"), "([!] ([~] x))");
-  EXPECT_EQ(parsed("!x~"), "([~] ([!] x))");  // postfix is taken first
-  EXPECT_EQ(parsed("!a+~b"), "(([+] ([!] a)) ([~] b))");
-}
-
-TEST(Grammar, TightOperatorChain) {
-  EXPECT_EQ(parsed("f~x!y"), "((f ([~] x)) ([!] y))");
-  EXPECT_EQ(parsed("f~!x"), "(f ([~] ([!] x)))");
-  EXPECT_EQ(parsed("$f~x"), "([$] (f ([~] x)))");
-  EXPECT_EQ(parsed("f~(a!)b"), "(f ([~] (([!] a) b)))");
-  EXPECT_EQ(parsed("S~KK"), "(S ([~] (K K)))");
-}
-
-TEST(Grammar, TightCallChain) {
-  EXPECT_EQ(parsed("SKK"), "((S K) K)");
-  EXPECT_EQ(parsed("Va b"), "((V a) b)");
-  EXPECT_EQ(parsed("AbC"), "((A b) C)");
-  EXPECT_EQ(parsed("ab1"), "(ab 1)");
-  EXPECT_EQ(parsed("ab12"), "(ab 12)");
-  EXPECT_EQ(parsed("12ab"), "(12 ab)");
-  EXPECT_EQ(parsed("a_b1_c"), "((a_b 1) _c)");
-  EXPECT_EQ(parsed("f(a,b)c"), "(((f a) b) c)");
-  EXPECT_EQ(parsed("f(g(a,b),c)"), "((f ((g a) b)) c)");
-  EXPECT_EQ(parsed("f(g(x),[lit])"), "((f (g x)) [lit])");
-  EXPECT_EQ(parsed("K(x)(y)"), "((K x) y)");
-  EXPECT_EQ(parsed("(f)(x)"), "(f x)");
-  EXPECT_EQ(parsed("(S)K"), "(S K)");
-  EXPECT_EQ(parsed("f(a b,c+d)"), "((f (a b)) (([+] c) d))");
-}
-
-TEST(Grammar, LiteralsAreWholeLeaves) {
-  EXPECT_EQ(parsed("[a b]c"), "([a b] c)");
-  EXPECT_EQ(parsed("[a][b]"), "([a] [b])");
-  EXPECT_EQ(parsed("a[b]"), "(a [b])");
-  EXPECT_EQ(parsed("[(]x"), "([(] x)");  // a parenthesis in a literal is inert
-  EXPECT_EQ(parsed("[[a]b]"), "[[a]b]");
-  EXPECT_EQ(parsed("f([,],[\n])"), "((f [,]) [\n])");
-  Term lit = parseExpression("[a b]c").left();
-  EXPECT_EQ(textOf(lit), "[a b]");
-  EXPECT_EQ(lit.node()->size(), 5u);
-}
-
-TEST(Grammar, AtomsOfOddBytes) {
-  // A word keeps a stray comma behind it as part of its leaf.
-  EXPECT_EQ(parsed("((a,b))"), "(a, b)");
-  // Capitals, control and high bytes are elements of their own.
-  EXPECT_EQ(parsed("x\x7f\x01y"), "(((x [\x7f]) [\x01]) y)");
-  // The byte 0 reads as the empty vector.
+TEST(Grammar, TheNulByteIsTheEmptyVector) {
   Term t = parseExpression(std::string_view("f\0", 2));
-  ASSERT_TRUE(t.isApp());
-  EXPECT_EQ(textOf(t.left()), "f");
-  EXPECT_EQ(t.right().first(), '\n');
+  EXPECT_EQ(treeOf(t), "(f cray)");
   EXPECT_EQ(t.right().node()->size(), 0u);
-  EXPECT_EQ(treeOf(parseExpression(std::string_view("\0", 1))), "cray");
+  EXPECT_EQ(textOf(parseExpression("[a b]c").left()), "[a b]");
 }
 
 TEST(Grammar, StrayCommaBehindAOneByteElementStops) {
@@ -156,57 +86,28 @@ TEST(Grammar, StrayCommaBehindAOneByteElementStops) {
   EXPECT_DEATH(parseExpression("f((\xff,x))"), "ASSERTION FAILED");
 }
 
-TEST(Grammar, NumbersAndWordsAreLeavesOfTheirText) {
-  Term n = parseExpression("1234");
-  ASSERT_TRUE(n.isLeaf());
-  EXPECT_EQ(textOf(n), "1234");
-  EXPECT_EQ(n.node()->size(), 4u);
-  EXPECT_EQ(textOf(parseExpression("plus_one")), "plus_one");
-}
-
-// Walks down a chain of right children and counts the depth.
-size_t rightDepth(const Term& t) {
+// The depth of a chain of right (or left) children.
+size_t depthOf(const Term& t, bool right) {
   size_t depth = 0;
-  const Term* p = &t;
-  while (p->isApp()) {
-    p = &p->right();
-    depth++;
-  }
+  for (const Term* p = &t; p->isApp(); p = right ? &p->right() : &p->left().right()) depth++;
   return depth;
 }
 
-TEST(Grammar, DeepNestingParses) {
+TEST(Grammar, DeepNestingAndLongFlatTextsParse) {
   runWithLargeStack([] {
     constexpr int kDepth = 10000;
-    std::string parens = std::string(kDepth, '(') + "a" + std::string(kDepth, ')');
-    Term t = parseExpression(parens);
-    EXPECT_TRUE(t.isLeaf());
+    Term t = parseExpression(std::string(kDepth, '(') + "a" + std::string(kDepth, ')'));
     EXPECT_EQ(textOf(t), "a");
-
-    std::string calls;
-    for (int i = 0; i < kDepth; i++) calls += "f(";
-    calls += "x" + std::string(kDepth, ')');
-    Term c = parseExpression(calls);
-    EXPECT_EQ(rightDepth(c), size_t(kDepth));
-
-    std::string mixed;
-    for (int i = 0; i < kDepth; i++) mixed += "!(a+";
-    mixed += "b" + std::string(kDepth, ')');
-    Term m = parseExpression(mixed);
-    EXPECT_EQ(rightDepth(m), size_t(2 * kDepth));
+    std::string calls, mixed;
+    for (int i = 0; i < kDepth; i++) calls += "f(", mixed += "!(a+";
+    EXPECT_EQ(depthOf(parseExpression(calls + "x" + std::string(kDepth, ')')), true), size_t(kDepth));
+    EXPECT_EQ(depthOf(parseExpression(mixed + "b" + std::string(kDepth, ')')), true), size_t(2 * kDepth));
   });
-}
-
-TEST(Grammar, LongFlatTextsParse) {
   std::string sum = "a";
   for (int i = 0; i < 100000; i++) sum += "+a";
   Term t = parseExpression(sum);
-  // Left grouping: the chain goes down the left side.
-  size_t depth = 0;
-  for (const Term* p = &t; p->isApp(); p = &p->left().right()) depth++;
-  EXPECT_EQ(depth, 100000u);
-  std::string s = printTerm(t);
-  EXPECT_EQ(s.substr(0, 10), "(+ (+ (+ (");
+  EXPECT_EQ(depthOf(t, false), 100000u);  // left grouping: down the left side
+  EXPECT_EQ(printTerm(t).substr(0, 10), "(+ (+ (+ (");
 }
 
 }  // namespace

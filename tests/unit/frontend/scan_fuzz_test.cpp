@@ -44,7 +44,6 @@ TEST(ScanFuzz, RandomTextsEndInAReportOrSuccess) {
       ASSERT_GE(position, 0);
       ASSERT_LT(position, long(text.size()));
       EXPECT_EQ(report.vip, positionText(position));
-      EXPECT_FALSE(banner(report).empty());
       continue;
     }
     sound++;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "frontend/scan.h"
+#include "terms/texts.h"
 
 namespace tarn {
 namespace {
@@ -19,98 +20,62 @@ Checked check(std::string_view text) {
   return c;
 }
 
+// The golden programs in tests/programs/scan print the common reports whole;
+// here the rest of the cases, and the position handed back.
 TEST(Scan, BracketMessages) {
-  Checked c = check(")");
-  EXPECT_FALSE(c.ok);
-  EXPECT_EQ(c.report.say, "Dangling right-parenthesis at [_____].");
-  EXPECT_EQ(c.report.tag, "match");
-  EXPECT_EQ(c.report.vip, "_____");
-  EXPECT_EQ(c.report.tip, "");
-  EXPECT_EQ(c.report.way, "");
-  EXPECT_EQ(c.position, 0);
-
   // Text, message: the kind named is the offending byte's; the innermost
   // open bracket is reported; parentheses are inert inside a literal.
   const std::pair<std::string, std::string_view> cases[] = {
-      {"(", "Dangling left-parenthesis at [_____]."},
       {"x}", "Dangling right-wing at [____a]."},
-      {"]", "Dangling right-bracket at [_____]."},
-      {"a{", "Dangling left-wing at [____a]."},
-      {"[(", "Dangling left-bracket at [_____]."},
       {"[[]", "Dangling left-bracket at [_____]."},
       {"({", "Dangling left-wing at [____a]."},
       {"(a(", "Dangling left-parenthesis at [____b]."},
       {"((a)", "Dangling left-parenthesis at [_____]."},
-      {std::string(19, 'a') + ")", "Dangling right-parenthesis at [____u]."},
       {std::string(64, ' ') + "}", "Dangling right-wing at [___a_]."},
       {"x{(y})", "'(' at [____b] doesn't fit '}' at [____d]."}};
   for (const auto& [text, say] : cases) {
-    c = check(text);
+    Checked c = check(text);
+    EXPECT_FALSE(c.ok);
     EXPECT_EQ(c.report.say, say) << text;
     EXPECT_EQ(c.report.tag, "match");
     EXPECT_EQ(c.report.vip, say.substr(say.find('[') + 1, 5));
+    EXPECT_EQ(positionText(c.position), c.report.vip);
   }
-  EXPECT_EQ(check("a{").position, 1);
-
-  c = check("(]");
-  EXPECT_EQ(c.report.say, "'(' at [_____] doesn't fit ']' at [____a].");
-  EXPECT_EQ(c.report.tag, "match");
-  EXPECT_EQ(c.report.vip, "_____");
-  EXPECT_EQ(c.report.tip, "____a");
+  Checked c = check("(]");
+  EXPECT_EQ(c.report.vip + " " + c.report.tip, "_____ ____a");
   EXPECT_EQ(c.position, 0);
 }
 
 TEST(Scan, SoundStructures) {
-  for (std::string_view t : {"", "a", "[(]", "[)]", "(a[)]b)", "{[}]}", "[a\n(b\n]", "f(a,b)", "1,2,3",
-                             "a{x,y}b", "((a,b))", "f(a)(b,c)", "[f](a,b)", "{(a,b)}", "(f(a,b))",
-                             "([,])", "f[(a,b)]", "(a),(b)", "x!(a,b)", "x$(a,b)"})
+  for (std::string_view t : {"", "[)]", "(a[)]b)", "{[}]}", "[a\n(b\n]", "f(a,b)", "1,2,3", "a{x,y}b",
+                             "((a,b))", "f(a)(b,c)", "[f](a,b)", "{(a,b)}", "([,])", "(a),(b)", "x!(a,b)"})
     EXPECT_TRUE(check(t).ok) << t;
 }
 
 TEST(Scan, CommaRule) {
-  Checked c = check("(a,b)");
-  EXPECT_FALSE(c.ok);
-  EXPECT_EQ(c.report.say, "Comma at [____b] is not part of a valid call list.");
-  EXPECT_EQ(c.report.tag, "comma");
-  EXPECT_EQ(c.report.vip, "____b");
-  EXPECT_EQ(c.report.tip, "");
-  EXPECT_EQ(c.position, 2);
-  // White space and operators before "(" leave nothing to call.
-  EXPECT_EQ(check("f (a,b)").position, 4);
-  EXPECT_EQ(check("x=(a,b)").position, 4);
-  EXPECT_EQ(check("g\n(a,b)").position, 4);
-  // The leftmost comma of the group is named.
-  EXPECT_EQ(check("+(a,b,c)").report.vip, "____c");
-  // A nested group is judged by the byte before it.
-  EXPECT_EQ(check("(a,(b,c))").position, 5);
-  EXPECT_EQ(check("(a,b)(c)").position, 2);
+  // White space and operators before "(" leave nothing to call; a nested
+  // group is judged by the byte before it.
+  const std::pair<std::string_view, long> cases[] = {
+      {"(a,b)", 2}, {"x=(a,b)", 4}, {"g\n(a,b)", 4}, {"(a,(b,c))", 5}, {"(a,b)(c)", 2}};
+  for (auto [text, position] : cases) {
+    Checked c = check(text);
+    EXPECT_EQ(c.report.tag, "comma") << text;
+    EXPECT_EQ(c.position, position) << text;
+  }
   // Bracket faults are found before any comma is looked at.
-  EXPECT_EQ(check("(a,b").report.tag, "match");
   EXPECT_EQ(check("(a,b)]").report.tag, "match");
 }
 
 TEST(Scan, Normalise) {
-  EXPECT_EQ(normalise("a  b"), "a b");
-  EXPECT_EQ(normalise("a \n b"), "a\nb");
-  EXPECT_EQ(normalise("a\n\n  b"), "a\nb");
-  EXPECT_EQ(normalise("a + b"), "a+b");
-  EXPECT_EQ(normalise("a +\n b"), "a+b");
-  EXPECT_EQ(normalise("( a )"), "(a)");
-  EXPECT_EQ(normalise("{ a }"), "{a}");
-  EXPECT_EQ(normalise("a {b} c"), "a{b}c");
-  EXPECT_EQ(normalise("f (x)\n(y)"), "f (x)\n(y)");
-  EXPECT_EQ(normalise("  \n "), "");
-  EXPECT_EQ(normalise(""), "");
-  EXPECT_EQ(normalise("\n x \n"), "x");
-  // Literals keep their white space, and the space before one stays.
-  EXPECT_EQ(normalise("f [ a  b\n c ]"), "f [ a  b\n c ]");
-  EXPECT_EQ(normalise("[a [ ]]  x"), "[a [ ]] x");
-  // Bytes that are no operators keep their neighbours apart.
-  EXPECT_EQ(normalise("a ! b"), "a ! b");
-  EXPECT_EQ(normalise("a $ ~b"), "a $ ~b");
-  EXPECT_EQ(normalise("a\t b"), "a\t b");
-  EXPECT_EQ(normalise("a , b"), "a,b");
-  EXPECT_EQ(normalise("x\\ y"), "x\\y");
+  const std::pair<std::string_view, std::string_view> rows[] = {
+      {"a  b", "a b"}, {"a \n b", "a\nb"}, {"a\n\n  b", "a\nb"}, {"a + b", "a+b"},
+      {"a +\n b", "a+b"}, {"( a )", "(a)"}, {"{ a }", "{a}"}, {"a {b} c", "a{b}c"}, {"f (x)\n(y)", "f (x)\n(y)"},
+      {"  \n ", ""}, {"", ""}, {"\n x \n", "x"}, {"a , b", "a,b"}, {"x\\ y", "x\\y"},
+      // Literals keep their white space, and the space before one stays.
+      {"f [ a  b\n c ]", "f [ a  b\n c ]"}, {"[a [ ]]  x", "[a [ ]] x"},
+      // Bytes that are no operators keep their neighbours apart.
+      {"a ! b", "a ! b"}, {"a $ ~b", "a $ ~b"}, {"a\t b", "a\t b"}};
+  for (auto [text, want] : rows) EXPECT_EQ(normalise(text), want) << text;
 }
 
 TEST(Scan, Helpers) {

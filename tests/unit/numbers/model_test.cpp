@@ -15,24 +15,19 @@ Term cells(const std::string& source) {
 }
 
 TEST(NumberModel, HostTests) {
-  for (const char* yes : {"0", "07", "5", "123"}) EXPECT_TRUE(isHostInteger(leaf(yes))) << yes;
-  for (const char* no : {"00", "007"}) EXPECT_FALSE(isHostInteger(leaf(no))) << no;
-  EXPECT_TRUE(isHostInteger(leafByte('K')));
-  EXPECT_TRUE(isHostNatural(leaf("0")));
-  EXPECT_TRUE(isHostNatural(leaf("5")));
-  EXPECT_FALSE(isHostNatural(leaf("07")));
-  EXPECT_FALSE(isHostNatural(leaf("00")));
+  // text: isHostInteger, isHostNatural, isNumbForm
+  const std::pair<std::string_view, std::string_view> leaves[] = {
+      {"0", "KKH"}, {"07", "KHH"}, {"5", "KKH"}, {"123", "KKH"}, {"00", "HHK"}, {"007", "HHK"}, {"03", "KHH"}};
+  auto answers = [](const Term& t) {
+    auto kh = [](bool b) { return b ? "K" : "H"; };
+    return std::string(kh(isHostInteger(t))) + kh(isHostNatural(t)) + kh(isNumbForm(t));
+  };
+  for (auto [text, want] : leaves) EXPECT_EQ(answers(leaf(text)), want) << text;
   // In cell form only a numb passes the natural test, by design.
-  Term hintCell = cells("J K 5");
-  Term numbCell = cells("J H 5");
-  EXPECT_TRUE(isHostInteger(hintCell));
-  EXPECT_FALSE(isHostNatural(hintCell));
-  EXPECT_TRUE(isHostNatural(numbCell));
-  EXPECT_TRUE(isNumbForm(numbCell));
-  EXPECT_TRUE(isNumbForm(leaf("003")));
-  EXPECT_FALSE(isNumbForm(leaf("03")));
-  EXPECT_TRUE(hintIsZero(leaf("0")));
-  EXPECT_TRUE(hintIsZero(leafByte('K')));
+  EXPECT_EQ(answers(cells("J K 5")), "KHH");
+  EXPECT_EQ(answers(cells("J H 5")), "HKK");
+  EXPECT_TRUE(isHostInteger(leafByte('K')));
+  EXPECT_TRUE(hintIsZero(leaf("0")) && hintIsZero(leafByte('K')));
 }
 
 TEST(NumberModel, ListSpellingsShareOneText) {
@@ -66,24 +61,20 @@ TEST(NumberModel, HostIntegersWrap) {
 }
 
 TEST(NumberModel, Signs) {
-  EXPECT_TRUE(hintSign(leaf("0")));
-  EXPECT_TRUE(hintSign(leaf("5")));
+  EXPECT_TRUE(hintSign(leaf("0")) && hintSign(leaf("5")));
   EXPECT_FALSE(hintSign(leaf("05")));
   EXPECT_EQ(textOf(hintAbs(leaf("05"))), "5");
-  EXPECT_EQ(textOf(hintNegate(leaf("5"))), "05");
-  EXPECT_EQ(textOf(hintNegate(leaf("05"))), "5");
-  EXPECT_EQ(textOf(hintNegate(leaf("0"))), "0");
+  for (auto [x, minus] : {std::pair{"5", "05"}, {"05", "5"}, {"0", "0"}})
+    EXPECT_EQ(textOf(hintNegate(leaf(x))), minus);
   // The cell spelling negates by dropping its first cell, by design.
   EXPECT_EQ(printTerm(hintNegate(cells("J K (J K K)"))), "JKK");
   EXPECT_EQ(textOf(hintAbs(cells("J K (J H K)"))), "1");
 }
 
 TEST(NumberModel, IntegersBecomeExactFractions) {
-  EXPECT_EQ(textOf(hintToNumb(leaf("1"))), "001");
-  EXPECT_EQ(textOf(hintToNumb(leaf("01"))), "000");
-  EXPECT_EQ(textOf(hintToNumb(leaf("0"))), "00");
-  EXPECT_EQ(textOf(hintToNumb(leaf("2"))), "004");
-  EXPECT_EQ(textOf(hintToNumb(leaf("3"))), "005");  // bits 1, 2, 4 of 22: sign, 1, 2
+  // 3 is the list of 22: bits 1, 2, 4: sign, 1, 2.
+  for (auto [hint, numb] : {std::pair{"1", "001"}, {"01", "000"}, {"0", "00"}, {"2", "004"}, {"3", "005"}})
+    EXPECT_EQ(textOf(hintToNumb(leaf(hint))), numb) << hint;
   EXPECT_EQ(textOf(hintToNumb(cells("J K (J K K)"))), "001");
   EXPECT_EQ(textOf(numbFromBits(numbBits(leaf("003")))), "003");
 }

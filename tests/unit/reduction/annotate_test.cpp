@@ -16,25 +16,20 @@ class Annotate : public ::testing::Test {
 };
 
 TEST_F(Annotate, LocalLettersAreUnknownAndSticky) {
-  Term a = term("a");
-  EXPECT_EQ(arityOf(a), 11);
-  EXPECT_EQ(freeSet(a), 1u);
-  Term ab = term("a b");
-  EXPECT_EQ(arityOf(ab), 11);
-  EXPECT_EQ(freeSet(ab), 3u);
+  Term a = term("a"), ab = term("a b");
+  EXPECT_TRUE(arityOf(a) == 11 && freeSet(a) == 1u);
+  EXPECT_TRUE(arityOf(ab) == 11 && freeSet(ab) == 3u);
   EXPECT_FALSE(ab.node()->pending() && arityOf(ab) < 1);
 }
 
-TEST_F(Annotate, BindersAreValuesWithTheirBodyFreeSet) {
+TEST_F(Annotate, BindersAndWingsTakeTheirNameFromTheFreeSet) {
   Term id = term("a\\a");
-  EXPECT_EQ(freeSet(id), 0u);
-  EXPECT_EQ(arityOf(id), 1);
-  EXPECT_FALSE(id.node()->pending());
-  EXPECT_TRUE(isValue(id));
-  Term open = term("a\\a b");
-  EXPECT_EQ(freeSet(open), 2u);  // b only
-  Term pendingBody = term("a\\K(M M)");
-  EXPECT_TRUE(isValue(pendingBody));
+  EXPECT_TRUE(freeSet(id) == 0u && arityOf(id) == 1 && !id.node()->pending() && isValue(id));
+  EXPECT_EQ(freeSet(term("a\\a b")), 2u);  // b only
+  EXPECT_TRUE(isValue(term("a\\K(M M)")));
+  Term wing = term("a{b}a c");  // ({ a b (a c)): free b and c
+  EXPECT_EQ(freeSet(wing), (1u << 1) | (1u << 2));
+  EXPECT_EQ(arityOf(wing), 0);
 }
 
 TEST_F(Annotate, DataAndMixedApplications) {
@@ -48,12 +43,6 @@ TEST_F(Annotate, DataAndMixedApplications) {
   Term mixed = App(term("[x]"), term("K"));
   EXPECT_FALSE(isData(mixed));
   EXPECT_EQ(arityOf(mixed), 0);
-}
-
-TEST_F(Annotate, WingsBindTheirName) {
-  Term wing = term("a{b}a c");  // ({ a b (a c)): free b and c
-  EXPECT_EQ(freeSet(wing), (1u << 1) | (1u << 2));
-  EXPECT_EQ(arityOf(wing), 0);
 }
 
 TEST_F(Annotate, GlobalArityCountsBindersUpToEleven) {
@@ -79,20 +68,13 @@ TEST_F(Annotate, LeafArities) {
 }
 
 TEST_F(Annotate, Kinds) {
-  EXPECT_EQ(kindOf(term("0")), 'i');
-  EXPECT_EQ(kindOf(term("123")), 'i');
-  EXPECT_EQ(kindOf(term("05")), 'i');
-  EXPECT_EQ(kindOf(term("00")), 'o');
-  EXPECT_EQ(kindOf(term("007")), 'o');
-  EXPECT_EQ(kindOf(term("J K x")), 'i');
-  EXPECT_EQ(kindOf(term("J H x")), 'o');
-  EXPECT_EQ(kindOf(term("J Z x")), 'w');
-  EXPECT_EQ(kindOf(term("[ab]")), 'u');
+  const std::pair<std::string_view, char> byText[] = {
+      {"0", 'i'}, {"123", 'i'}, {"05", 'i'}, {"00", 'o'}, {"007", 'o'}, {"J K x", 'i'},
+      {"J H x", 'o'}, {"J Z x", 'w'}, {"[ab]", 'u'}, {"S", 'w'}, {"Z", 'w'}};
+  for (auto [source, kind] : byText) EXPECT_EQ(kindOf(term(std::string(source))), kind) << source;
   EXPECT_EQ(kindOf(blobLeaf("ab")), 'a');
   EXPECT_EQ(kindOf(realLeaf(2.0)), 'e');
   EXPECT_EQ(kindOf(vectorLeaf(0)), 'k');
-  EXPECT_EQ(kindOf(term("S")), 'w');
-  EXPECT_EQ(kindOf(term("Z")), 'w');
 }
 
 TEST_F(Annotate, LazyHeadsByByteOnly) {
@@ -103,13 +85,6 @@ TEST_F(Annotate, LazyHeadsByByteOnly) {
     EXPECT_FALSE(isLazyHead(term(strict))) << strict;
   program("0,K\\a\\b\\b a");  // a redefined capital keeps its byte's laziness
   EXPECT_TRUE(isLazyHead(term("K")));
-}
-
-TEST_F(Annotate, SpineShapes) {
-  EXPECT_EQ(spineShape(term("a\\b")), 'u');
-  EXPECT_EQ(spineShape(term("a{b}c")), 'i');
-  EXPECT_EQ(spineShape(term("f a b")), 'o');
-  EXPECT_EQ(spineShape(term("x")), 'o');
 }
 
 }  // namespace

@@ -14,22 +14,18 @@ namespace {
 Term W(std::string_view text) { return leaf(text); }
 
 TEST(TermOrder, SignsAndShapes) {
+  auto ab = [](std::string_view l, std::string_view r) { return App(W(l), W(r)); };
+  // x sorts first: positive; the longer text sorts last; a leaf after an
+  // application; the left child decides first; bytes compare unsigned.
+  const std::tuple<Term, Term, int> rows[] = {
+      {W("a"), W("b"), 1},           {W("b"), W("a"), -1},          {W("ab"), W("a"), -1},
+      {W("a"), W("ab"), 1},          {W("abc"), W("abc"), 0},       {W("a"), ab("a", "b"), 1},
+      {ab("a", "b"), W("a"), -1},    {ab("a", "b"), ab("a", "c"), 1}, {ab("b", "a"), ab("a", "c"), -1},
+      {ab("a", "b"), ab("a", "b"), 0}, {emptyLeaf(), W("a"), 1},      {leafByte(200), W("a"), -1},
+      {W("12"), W("123"), 1},        {W("[ab]"), W("[ac]"), 1}};
+  for (const auto& [x, y, sign] : rows) EXPECT_EQ(termOrder(x, y), sign) << textOf(x) << " " << textOf(y);
   Term a = W("a");
-  EXPECT_EQ(termOrder(W("a"), W("b")), 1);  // x sorts first: positive
-  EXPECT_EQ(termOrder(W("b"), W("a")), -1);
-  EXPECT_EQ(termOrder(W("ab"), W("a")), -1);  // the longer sorts last
-  EXPECT_EQ(termOrder(W("a"), W("ab")), 1);
-  EXPECT_EQ(termOrder(W("abc"), W("abc")), 0);
   EXPECT_EQ(termOrder(a, a), 0);
-  EXPECT_EQ(termOrder(W("a"), App(W("a"), W("b"))), 1);  // a leaf after an application
-  EXPECT_EQ(termOrder(App(W("a"), W("b")), W("a")), -1);
-  EXPECT_EQ(termOrder(App(W("a"), W("b")), App(W("a"), W("c"))), 1);
-  EXPECT_EQ(termOrder(App(W("b"), W("a")), App(W("a"), W("c"))), -1);  // left decides first
-  EXPECT_EQ(termOrder(App(W("a"), W("b")), App(W("a"), W("b"))), 0);
-  EXPECT_EQ(termOrder(emptyLeaf(), W("a")), 1);
-  EXPECT_EQ(termOrder(leafByte(200), W("a")), -1);  // bytes compare unsigned
-  EXPECT_EQ(termOrder(W("12"), W("123")), 1);
-  EXPECT_EQ(termOrder(W("[ab]"), W("[ac]")), 1);
 }
 
 TEST(TermOrder, LeafLengthsByForm) {
@@ -96,13 +92,13 @@ TEST(Tern, PruningKeepsOnlyValues) {
 TEST(Tern, ManyEntriesSurviveErasureOfOthers) {
   clearSeenTerms();
   constexpr int kCount = 20000;
-  for (int i = 0; i < kCount; i++) tern(App(W("f"), W(std::to_string(i))));
-  for (int i = 0; i < kCount; i += 3) eraseSeen(App(W("f"), W(std::to_string(i))));
+  auto entry = [](int i) { return App(W("f"), W(std::to_string(i))); };
+  for (int i = 0; i < kCount; i++) tern(entry(i));
+  for (int i = 0; i < kCount; i += 3) eraseSeen(entry(i));
   int kept = 0;
   for (int i = 0; i < kCount; i++) {
-    bool seen = isSeen(App(W("f"), W(std::to_string(i))));
-    EXPECT_EQ(seen, i % 3 != 0) << i;
-    kept += seen;
+    kept += isSeen(entry(i));
+    EXPECT_EQ(isSeen(entry(i)), i % 3 != 0) << i;
     EXPECT_TRUE(isSeen(W(std::to_string(i))));
   }
   EXPECT_EQ(seenTermCount(), size_t(kept + kCount + 1));  // and the leaf f

@@ -1,10 +1,64 @@
-// Node layout, reference counts and release of deep structures.
+// The header word bit by bit, node layout, reference counts that never spill
+// into the fields above them, and release of deep structures.
 #include <gtest/gtest.h>
 
 #include "terms/term.h"
 
 namespace tarn {
 namespace {
+
+TEST(Header, FieldsSitAtTheirBitsAndSettersKeepTheRest) {
+  Node n{};
+  n.header = 5ull | (0x2aaaaaaull << 30) | (uint64_t(52 + 3) << 56) | (1ull << 62) | (1ull << 63);
+  EXPECT_EQ(n.count(), 5u);
+  EXPECT_EQ(n.size(), 0x2aaaaaau);
+  EXPECT_EQ(n.arity(), 3);
+  EXPECT_TRUE(n.pending());
+  EXPECT_TRUE(n.isLeaf());
+  EXPECT_EQ(n.state(), 0x40 | 55);
+  EXPECT_FALSE(n.isData());
+  n.setTop(64);  // closed data, application
+  EXPECT_TRUE(n.isData());
+  EXPECT_FALSE(n.isLeaf());
+  n.setSizeRaw(0x1555555);
+  EXPECT_EQ(n.count(), 5u);
+  EXPECT_EQ(n.size(), 0x1555555u);
+  EXPECT_EQ(n.top(), 64);
+  n.setTop(0);
+  setArity(&n, -52);  // the lowest arity; the top two bits stay clear
+  EXPECT_EQ(n.arity(), -52);
+  setArity(&n, 0);
+  EXPECT_EQ(n.top(), '4');
+  EXPECT_EQ(n.size(), 0x1555555u);
+  setArity(&n, 11);
+  EXPECT_EQ(n.top() & 63, 63);
+  EXPECT_DEATH(setArity(&n, 12), "ASSERTION FAILED");
+  EXPECT_DEATH(setArity(&n, -53), "ASSERTION FAILED");
+  Term x = App(leaf("a"), leaf("b"));
+  setSize(x.node(), 0x3ffffff);
+  EXPECT_EQ(x.node()->size(), 0x3ffffffu);
+  EXPECT_DEATH(setSize(x.node(), 0x4000000), "ASSERTION FAILED");
+}
+
+TEST(Header, CountChangesKeepTheUpperBitsAndStopAtTheLimit) {
+  Term x = leaf("12");
+  Node* n = x.node();
+  EXPECT_EQ(n->top(), 128);  // a fresh leaf
+  n->header += 0x3ffffffdull;  // count 0x3ffffffe: one copy still fits
+  {
+    Term y = x;
+    EXPECT_EQ(n->count(), 0x3fffffffu);
+    EXPECT_EQ(n->size(), 2u);
+    EXPECT_EQ(n->top(), 128);
+    EXPECT_DEATH({ Term z = x; }, "ASSERTION FAILED");
+  }
+  EXPECT_EQ(n->count(), 0x3ffffffeu);
+  EXPECT_EQ(n->size(), 2u);
+  n->header -= 0x3ffffffdull;
+  Term& alias = x;
+  x = alias;  // self-assignment leaves the count alone
+  EXPECT_EQ(n->count(), 1u);
+}
 
 TEST(Node, ApplicationIsThreeWordsAndCountsChildren) {
   Term a = leaf("a");
@@ -13,66 +67,33 @@ TEST(Node, ApplicationIsThreeWordsAndCountsChildren) {
   EXPECT_EQ(a.node()->count(), 2u);
   EXPECT_EQ(ab.node()->count(), 1u);
   EXPECT_EQ(ab.node()->top(), 0);  // not annotated
-  EXPECT_TRUE(ab.left().same(a));
-  EXPECT_TRUE(ab.right().same(b));
   EXPECT_EQ(ab.first(), 0);
-  // The two child pointers follow the header directly.
-  auto* words = reinterpret_cast<Node**>(ab.node() + 1);
+  auto* words = reinterpret_cast<Node**>(ab.node() + 1);  // children follow the header
   EXPECT_EQ(words[0], a.node());
   EXPECT_EQ(words[1], b.node());
-}
-
-TEST(Node, LeafHeaderAndSize) {
-  Term n = leaf("12345");
-  EXPECT_EQ(n.node()->top(), 128);
-  EXPECT_EQ(n.node()->size(), 5u);
-  EXPECT_EQ(textOf(n), "12345");
-  Term w = leaf("plus");
-  EXPECT_EQ(w.node()->size(), 0u);
-  Term br = leaf("[a b]");
-  EXPECT_EQ(br.node()->size(), 5u);
-  Term nul = leaf(std::string_view("a\0b", 3));
-  EXPECT_EQ(nul.node()->bytes()[3], 0);
-}
-
-TEST(Node, LeafUsedTwiceInOneSpineIsCountedTwice) {
-  Term x = leaf("x");
-  Term spine = App3(leaf("f"), x, x, leaf("y"));
-  EXPECT_EQ(x.node()->count(), 3u);
+  EXPECT_DEATH((void)a.left(), "ASSERTION FAILED");
+  // A leaf used twice in one spine is counted twice; App3 nests three deep.
+  Term spine = App3(leaf("f"), a, a, b);
+  EXPECT_EQ(a.node()->count(), 4u);
   EXPECT_EQ(spine.left().left().left().first(), 'f');
 }
 
-TEST(Node, SelfAssignmentKeepsCount) {
-  Term x = leaf("x");
-  Term& alias = x;
-  x = alias;
-  EXPECT_EQ(x.node()->count(), 1u);
-}
-
-TEST(Node, CountOverflowStops) {
-  Term x = leaf("x");
-  x.node()->header |= 0x3ffffffeull;  // count 0x3fffffff
-  EXPECT_DEATH({ Term y = x; }, "ASSERTION FAILED");
-  x.node()->header &= ~0x3fffffffull;
-  x.node()->header |= 1;
-}
-
-TEST(Node, SetArityAndSizeCheckTheirRanges) {
-  Term x = App(leaf("a"), leaf("b"));
-  setArity(x.node(), -3);
-  EXPECT_EQ(x.node()->arity(), -3);
-  setArity(x.node(), 11);
-  EXPECT_EQ(x.node()->top() & 63, 63);
-  EXPECT_DEATH(setArity(x.node(), 12), "ASSERTION FAILED");
-  EXPECT_DEATH(setArity(x.node(), -53), "ASSERTION FAILED");
-  setSize(x.node(), 0x3ffffff);
-  EXPECT_EQ(x.node()->size(), 0x3ffffffu);
-  EXPECT_DEATH(setSize(x.node(), 0x4000000), "ASSERTION FAILED");
-}
-
-TEST(Node, LeftOfLeafStops) {
-  Term x = leaf("x");
-  EXPECT_DEATH((void)x.left(), "ASSERTION FAILED");
+TEST(Node, LeafSizesByForm) {
+  EXPECT_EQ(leaf("12345").node()->size(), 5u);
+  EXPECT_EQ(leaf("[a b]").node()->size(), 5u);
+  EXPECT_EQ(leaf("plus").node()->size(), 0u);
+  Term nul = leaf(std::string_view("a\0b", 3));
+  EXPECT_EQ(nul.node()->bytes()[3], 0);
+  // A blob's length comes from its count; an empty count is no bytes.
+  EXPECT_EQ(textOf(leaf("()")), "()");
+  EXPECT_EQ(textOf(leaf(std::string_view("(b)x\0yz", 7))), std::string_view("(b)x\0", 5));
+  // 0x3ffffff digits carry their length; one more and it is found by scanning.
+  std::string digits(0x4000000, '7');
+  Term big = leaf(digits);
+  EXPECT_EQ(big.node()->size(), 0u);
+  EXPECT_EQ(textOf(big).size(), 0x4000000u);
+  digits.pop_back();
+  EXPECT_EQ(leaf(digits).node()->size(), 0x3ffffffu);
 }
 
 TEST(Node, VectorReleasesElementsOnce) {
@@ -86,8 +107,7 @@ TEST(Node, VectorReleasesElementsOnce) {
     EXPECT_EQ(elementOf(v, 1).node(), nullptr);
   }
   EXPECT_EQ(e.node()->count(), 1u);
-  Term empty = vectorLeaf(0);
-  EXPECT_EQ(empty.first(), '\n');
+  EXPECT_EQ(vectorLeaf(0).first(), '\n');
 }
 
 TEST(Node, MillionCellListAndChainReleaseSafely) {
@@ -98,16 +118,6 @@ TEST(Node, MillionCellListAndChainReleaseSafely) {
   for (int i = 0; i < 1000000; i++) chain = App(std::move(chain), leaf("x"));
   chain = Term();
   SUCCEED();
-}
-
-TEST(Node, LongNumberLeafScansItsLength) {
-  std::string digits(0x4000000, '7');
-  Term big = leaf(digits);
-  EXPECT_EQ(big.node()->size(), 0u);
-  EXPECT_EQ(textOf(big).size(), 0x4000000u);
-  digits.pop_back();
-  Term fits = leaf(digits);
-  EXPECT_EQ(fits.node()->size(), 0x3ffffffu);
 }
 
 }  // namespace
