@@ -11,18 +11,8 @@ STATS=build/tarn_stats
 RUNS=${RUNS:-3}
 what=${1:-all}
 
-# best_time CMD... : prints the best wall time in seconds over $RUNS runs.
-best_time() {
-  local best="" t0 t1 t
-  for _ in $(seq "$RUNS"); do
-    t0=$(date +%s.%N)
-    "$@" > /dev/null 2>&1
-    t1=$(date +%s.%N)
-    t=$(echo "$t1 - $t0" | bc -l)
-    if [ -z "$best" ] || [ "$(echo "$t < $best" | bc -l)" = 1 ]; then best=$t; fi
-  done
-  printf '%.3f' "$best"
-}
+source bench/timing.sh
+best_time() { best "$RUNS" "$@"; }
 
 ratio() { printf '%.2f' "$(echo "$1 / $2" | bc -l)"; }
 

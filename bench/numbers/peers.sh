@@ -11,6 +11,7 @@
 # bc runs each workload once: its division alone takes over a minute.
 #
 # Usage: bench/numbers/peers.sh [runs]   (python: the best of `runs`, default 3)
+bench_dir=$(cd "$(dirname "$0")/.." && pwd)
 set -euo pipefail
 runs=${1:-3}
 work=$(mktemp -d)
@@ -28,19 +29,7 @@ open(w + '/a', 'w').write(digits(200000))
 open(w + '/b', 'w').write(digits(100000))
 EOF
 
-best() {  # best wall time of a command over $1 runs, in seconds
-  local n=$1 best=""
-  shift
-  for _ in $(seq "$n"); do
-    local t0 t1 t
-    t0=$(date +%s.%N)
-    "$@" > /dev/null
-    t1=$(date +%s.%N)
-    t=$(echo "$t1 - $t0" | bc -l)
-    if [ -z "$best" ] || [ "$(echo "$t < $best" | bc -l)" = 1 ]; then best=$t; fi
-  done
-  printf '%.4f' "$best"
-}
+source "$bench_dir/timing.sh"
 
 echo "bc $(bc --version | head -1 | awk '{print $2}') (whole process, wall time, one run)"
 printf '3^200000\n' > "$work/pow.bc"

@@ -9,6 +9,7 @@
 # checked against python3's decimal before anything is timed.
 #
 # Usage: bench/numbers/programs.sh [runs]   (best of `runs`, default 3)
+bench_dir=$(cd "$(dirname "$0")/.." && pwd)
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 runs=${1:-3}
@@ -41,19 +42,7 @@ for name, values in want.items():
     open(w + '/' + name + '.want', 'w').write(''.join('[%s]\n' % v for v in values))
 EOF
 
-best() {  # best wall time of a command over $1 runs, in seconds
-  local n=$1 best=""
-  shift
-  for _ in $(seq "$n"); do
-    local t0 t1 t
-    t0=$(date +%s.%N)
-    "$@" > /dev/null
-    t1=$(date +%s.%N)
-    t=$(echo "$t1 - $t0" | bc -l)
-    if [ -z "$best" ] || [ "$(echo "$t < $best" | bc -l)" = 1 ]; then best=$t; fi
-  done
-  printf '%.4f' "$best"
-}
+source "$bench_dir/timing.sh"
 
 echo "tarn programs (whole process, wall time, best of $runs)"
 for w in pow fact mul div; do
