@@ -256,41 +256,33 @@ void divShortQuotient(const Limb* a, size_t na, const Limb* b, size_t nb, Limbs*
   *r = std::move(aa);
 }
 
+// Trims both operands; when the dividend is below the divisor the quotient
+// is zero and the remainder the dividend, and the division is done.
+bool smallDividend(const Limb* a, size_t& na, const Limb* b, size_t& nb, size_t minDivisor, Limbs* q,
+                   Limbs* r) {
+  na = natLength(a, na);
+  nb = natLength(b, nb);
+  TARN_ASSERT(nb >= minDivisor);
+  if (na >= nb && natCompare(a, na, b, nb) >= 0) return false;
+  *q = Limbs();
+  *r = copyTrimmed(a, na);
+  return true;
+}
+
 }  // namespace
 
 void natDivModKnuth(const Limb* a, size_t na, const Limb* b, size_t nb, Limbs* q, Limbs* r) {
-  na = natLength(a, na);
-  nb = natLength(b, nb);
-  TARN_ASSERT(nb >= 2);
-  if (na < nb || natCompare(a, na, b, nb) < 0) {
-    *q = Limbs();
-    *r = copyTrimmed(a, na);
-    return;
-  }
+  if (smallDividend(a, na, b, nb, 2, q, r)) return;
   divKnuth(a, na, b, nb, q, r);
 }
 
 void natDivModNewton(const Limb* a, size_t na, const Limb* b, size_t nb, Limbs* q, Limbs* r) {
-  na = natLength(a, na);
-  nb = natLength(b, nb);
-  TARN_ASSERT(nb >= 2);
-  if (na < nb || natCompare(a, na, b, nb) < 0) {
-    *q = Limbs();
-    *r = copyTrimmed(a, na);
-    return;
-  }
+  if (smallDividend(a, na, b, nb, 2, q, r)) return;
   divNewtonBlocks(a, na, b, nb, q, r);
 }
 
 void natDivMod(const Limb* a, size_t na, const Limb* b, size_t nb, Limbs* q, Limbs* r) {
-  na = natLength(a, na);
-  nb = natLength(b, nb);
-  TARN_ASSERT(nb >= 1);
-  if (na < nb || natCompare(a, na, b, nb) < 0) {
-    *q = Limbs();
-    *r = copyTrimmed(a, na);
-    return;
-  }
+  if (smallDividend(a, na, b, nb, 1, q, r)) return;
   if (nb == 1) {
     Limbs quo(na);
     Limb rest = natDivSmall(quo.data(), a, na, b[0]);
