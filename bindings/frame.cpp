@@ -1,8 +1,8 @@
 // Argument tests and conversions shared by every host binding.
 #include "bindings/frame.h"
 
-#include "driver/failure.h"
-#include "reduction/annotate.h"
+#include "terms/failure.h"
+#include "runtime/annotate.h"
 
 namespace tarn {
 

@@ -3,7 +3,7 @@
 
 #include "bindings/frame.h"
 #include "bindings/handlers.h"
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 
 namespace tarn {
 

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "checks/passes.h"
-#include "driver/failure.h"
-#include "frontend/tables.h"
-#include "reduction/annotate.h"
+#include "terms/failure.h"
+#include "runtime/globals.h"
+#include "runtime/annotate.h"
 #include "reduction/canonical.h"
 #include "reduction/printer.h"
 

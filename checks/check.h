@@ -16,7 +16,7 @@
 #include <string>
 #include <string_view>
 
-#include "driver/report.h"
+#include "runtime/report.h"
 #include "terms/term.h"
 
 namespace tarn {

@@ -1,5 +1,5 @@
 // The builtin handlers of this folder, bound by name into the builtin table.
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 
 namespace tarn {
 

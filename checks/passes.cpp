@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "driver/failure.h"
-#include "reduction/annotate.h"
+#include "terms/failure.h"
+#include "runtime/annotate.h"
 #include "reduction/machine.h"
 #include "reduction/printer.h"
 #include "terms/texts.h"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "checks/check.h"
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 #include "numbers/model.h"
 #include "reduction/machine.h"
 #include "reduction/printer.h"

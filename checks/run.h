@@ -9,7 +9,7 @@
 
 #include <cstdint>
 
-#include "driver/report.h"
+#include "runtime/report.h"
 
 namespace tarn {
 

@@ -14,8 +14,8 @@
 #include <cstdio>
 
 #include "checks/run.h"
-#include "driver/failure.h"
-#include "driver/report.h"
+#include "terms/failure.h"
+#include "runtime/report.h"
 #include "frontend/compile.h"
 #include "numbers/model.h"
 
@@ -108,20 +108,6 @@ std::string readProgramFile(const char* path) {
   TARN_ASSERT(!std::ferror(f));
   TARN_ASSERT(std::fclose(f) == 0);
   return text;
-}
-
-void appendFile(const char* path, std::string_view text) {
-  FILE* f = std::fopen(path, "a");
-  if (!f) return;  // nothing to write to; the trace is never read back
-  int fd = fileno(f);
-  size_t done = 0;
-  while (done < text.size()) {
-    ssize_t n = ::write(fd, text.data() + done, text.size() - done);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) break;
-    done += size_t(n);
-  }
-  TARN_ASSERT(std::fclose(f) == 0);
 }
 
 std::string escapedPath(std::string_view path) {

@@ -24,8 +24,6 @@ int32_t runDriver(int argc, char** argv);
 
 // Reads a file whole, NUL bytes kept; failures are fatal assertions.
 std::string readProgramFile(const char* path);
-// Appends text to a file through its descriptor.
-void appendFile(const char* path, std::string_view text);
 // A path with "[", "]", control bytes, 127 and bytes of 128 or more written
 // as "[HH]".
 std::string escapedPath(std::string_view path);

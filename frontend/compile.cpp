@@ -11,10 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "frontend/grammar.h"
 #include "frontend/scan.h"
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 #include "terms/texts.h"
 
 namespace tarn {

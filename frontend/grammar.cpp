@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 
 namespace tarn {
 

@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "terms/texts.h"
 
 namespace tarn {

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "driver/report.h"
+#include "runtime/report.h"
 
 namespace tarn {
 

@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/binary.h"
 
 namespace tarn {

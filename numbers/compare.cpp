@@ -8,7 +8,7 @@
 #include "numbers/numb.h"
 #include "numbers/operands.h"
 #include "numbers/operators.h"
-#include "reduction/annotate.h"
+#include "runtime/annotate.h"
 
 namespace tarn {
 

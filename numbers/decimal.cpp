@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/decimal_limbs.h"
 
 namespace tarn {

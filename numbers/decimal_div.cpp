@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/decimal_limbs.h"
 
 namespace tarn {

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/decimal_simd.h"
 
 namespace tarn {

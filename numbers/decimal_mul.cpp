@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/decimal_limbs.h"
 #include "numbers/decimal_simd.h"
 

@@ -15,7 +15,7 @@
 #include <cstring>
 #include <vector>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/decimal_limbs.h"
 #include "numbers/decimal_simd.h"
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 
 namespace tarn {
 

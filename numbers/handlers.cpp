@@ -2,7 +2,7 @@
 // A handler reads its operands from the chain (the left operand of a binary
 // builtin is the right child of the chain's left child) and calls the
 // operation; the operations never start a reduction.
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 #include "numbers/operators.h"
 
 namespace tarn {

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/decimal.h"
 #include "numbers/model.h"
 

@@ -9,7 +9,7 @@
 #include <cinttypes>
 #include <cstdio>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 
 namespace tarn {
 

@@ -7,8 +7,8 @@
 // remainder one long division.
 #include <sys/stat.h>
 
-#include "driver/driver.h"
-#include "driver/failure.h"
+#include "runtime/files.h"
+#include "terms/failure.h"
 #include "numbers/dyadic.h"
 #include "numbers/numb.h"
 

@@ -3,7 +3,7 @@
 // -1 standing for the doubles that have no exact value.
 #include <bit>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/dyadic.h"
 #include "numbers/model.h"
 #include "numbers/numb.h"

@@ -2,7 +2,7 @@
 // with its own squaring schedule, and the order test `numbLess`.
 #include <string>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/dyadic.h"
 #include "numbers/model.h"
 #include "numbers/numb.h"

@@ -6,11 +6,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/hint.h"
 #include "numbers/model.h"
 #include "numbers/numb.h"
-#include "reduction/annotate.h"
+#include "runtime/annotate.h"
 #include "terms/alphabet.h"
 #include "terms/texts.h"
 

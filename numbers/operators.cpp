@@ -9,7 +9,7 @@
 #include "numbers/model.h"
 #include "numbers/numb.h"
 #include "numbers/operands.h"
-#include "reduction/annotate.h"
+#include "runtime/annotate.h"
 
 namespace tarn {
 

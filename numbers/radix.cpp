@@ -11,7 +11,7 @@
 // is refined from the square of the one below it by one Newton step.
 #include <algorithm>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/binary.h"
 
 namespace tarn {

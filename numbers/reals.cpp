@@ -12,7 +12,7 @@
 #include "numbers/numb.h"
 #include "numbers/operands.h"
 #include "numbers/operators.h"
-#include "reduction/annotate.h"
+#include "runtime/annotate.h"
 #include "terms/texts.h"
 
 namespace tarn {

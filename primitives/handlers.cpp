@@ -2,7 +2,7 @@
 // table.
 #include "primitives/handlers.h"
 
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 
 namespace tarn {
 

@@ -1,5 +1,5 @@
 // Identity and order of terms as builtins: `tern` and `cmpr`.
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 #include "numbers/model.h"
 #include "primitives/handlers.h"
 #include "reduction/canonical.h"

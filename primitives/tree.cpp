@@ -2,7 +2,7 @@
 #include <string>
 
 #include "primitives/handlers.h"
-#include "reduction/annotate.h"
+#include "runtime/annotate.h"
 #include "reduction/canonical.h"
 #include "reduction/printer.h"
 

@@ -11,8 +11,8 @@
 #include <cstring>
 #include <vector>
 
-#include "driver/failure.h"
-#include "reduction/annotate.h"
+#include "terms/failure.h"
+#include "runtime/annotate.h"
 #include "terms/alphabet.h"
 
 namespace tarn {

@@ -3,10 +3,10 @@
 
 #include <cstring>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "numbers/bits.h"
 #include "numbers/model.h"
-#include "reduction/annotate.h"
+#include "runtime/annotate.h"
 #include "terms/texts.h"
 
 namespace tarn {

@@ -1,9 +1,9 @@
 // The machine loop, its seven step rules, and the dispatch of a redex.
 #include "reduction/machine.h"
 
-#include "driver/failure.h"
-#include "frontend/tables.h"
-#include "reduction/annotate.h"
+#include "terms/failure.h"
+#include "runtime/globals.h"
+#include "runtime/annotate.h"
 #include "reduction/printer.h"
 
 namespace tarn {

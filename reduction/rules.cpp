@@ -1,10 +1,10 @@
 // The rewrite rules: what firing a saturated redex does, by its head.
 #include <string>
 
-#include "driver/failure.h"
-#include "frontend/tables.h"
+#include "terms/failure.h"
+#include "runtime/globals.h"
 #include "numbers/model.h"
-#include "reduction/annotate.h"
+#include "runtime/annotate.h"
 #include "reduction/coded.h"
 #include "reduction/machine.h"
 #include "terms/texts.h"

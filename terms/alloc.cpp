@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "terms/node.h"
 
 namespace tarn {

@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 
 namespace tarn {
 

@@ -13,7 +13,7 @@
 #include <string>
 #include <string_view>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 #include "terms/node.h"
 
 namespace tarn {

@@ -8,7 +8,7 @@
 #include "checks/check.h"
 #include "checks/run.h"
 #include "frontend/compile.h"
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 #include "reduction/canonical.h"
 #include "tests/unit/frontend/tree_dump.h"
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "driver/driver.h"
+#include "runtime/files.h"
 
 namespace tarn {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "frontend/compile.h"
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 #include "tests/unit/frontend/tree_dump.h"
 
 namespace tarn {

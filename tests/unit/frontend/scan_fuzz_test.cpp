@@ -6,7 +6,7 @@
 
 #include <random>
 
-#include "driver/report.h"
+#include "runtime/report.h"
 #include "frontend/compile.h"
 #include "frontend/scan.h"
 #include "terms/texts.h"

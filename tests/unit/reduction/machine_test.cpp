@@ -2,9 +2,9 @@
 // rules for each kind of head.
 #include <gtest/gtest.h>
 
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 #include "numbers/model.h"
-#include "reduction/annotate.h"
+#include "runtime/annotate.h"
 #include "reduction/coded.h"
 #include "tests/unit/reduction/machine_fixture.h"
 

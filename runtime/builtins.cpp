@@ -4,8 +4,8 @@
 #include <array>
 #include <string>
 
-#include "driver/failure.h"
-#include "frontend/tables.h"
+#include "terms/failure.h"
+#include "runtime/globals.h"
 
 namespace tarn {
 
@@ -14,7 +14,7 @@ namespace {
 std::array<Builtin, 254> makeTable() {
   std::array<Builtin, 254> table = {{
 #define BUILTIN(name, arity, writes) {#name, arity, writes != 0, nullptr},
-#include "frontend/builtins.def"
+#include "runtime/builtins.def"
 #undef BUILTIN
   }};
   auto bind = [&](std::span<const HandlerBinding> family) {

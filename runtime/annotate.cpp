@@ -1,10 +1,10 @@
 // The annotation pass and the classifications built on it.
-#include "reduction/annotate.h"
+#include "runtime/annotate.h"
 
 #include <array>
 
-#include "driver/failure.h"
-#include "frontend/tables.h"
+#include "terms/failure.h"
+#include "runtime/globals.h"
 #include "terms/texts.h"
 
 namespace tarn {

@@ -1,5 +1,5 @@
 // Fatal assertion and internal failure: print and abort, nothing else.
-#include "driver/failure.h"
+#include "terms/failure.h"
 
 #include <cstdio>
 #include <cstdlib>

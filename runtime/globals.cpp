@@ -4,7 +4,7 @@
 #include <map>
 #include <unordered_map>
 
-#include "frontend/tables.h"
+#include "runtime/globals.h"
 
 namespace tarn {
 

@@ -1,11 +1,11 @@
 // The banner, the coloured rendering of bytes, shortened names, balanced
 // excerpts, and the text form of a report.
-#include "driver/report.h"
+#include "runtime/report.h"
 
 #include <array>
 #include <vector>
 
-#include "driver/failure.h"
+#include "terms/failure.h"
 
 namespace tarn {
 

@@ -1,7 +1,7 @@
 // The banner, coloured bytes, short names, excerpts and the report text form.
 #include <gtest/gtest.h>
 
-#include "driver/report.h"
+#include "runtime/report.h"
 #include "terms/texts.h"
 
 namespace tarn {

@@ -1,7 +1,7 @@
 // Annotation: arity, pending work, free letters, data state and kinds.
 #include <gtest/gtest.h>
 
-#include "reduction/annotate.h"
+#include "runtime/annotate.h"
 #include "tests/unit/reduction/machine_fixture.h"
 
 namespace tarn {
