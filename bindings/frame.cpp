@@ -7,17 +7,17 @@
 namespace tarn {
 
 bool isHostPointer(const Term& t) {
-  char k = kindOf(t);
-  return k == 'a' || k == 'i' || k == 'u';
+  Kind k = kindOf(t);
+  return k == Kind::kBlob || k == Kind::kInteger || k == Kind::kBracket;
 }
 
 bool isHostReal(const Term& t) { return t.isLeaf() && t.first() == ' '; }
 
 void* termToPointer(const Term& t) {
   switch (kindOf(t)) {
-    case 'i': return reinterpret_cast<void*>(static_cast<intptr_t>(termToInt64(t)));
-    case 'u': return t.node()->bytes();
-    case 'a': return const_cast<char*>(blobBytes(t).data());
+    case Kind::kInteger: return reinterpret_cast<void*>(static_cast<intptr_t>(termToInt64(t)));
+    case Kind::kBracket: return t.node()->bytes();
+    case Kind::kBlob: return const_cast<char*>(blobBytes(t).data());
     default: TARN_FAIL();
   }
 }

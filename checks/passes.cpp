@@ -31,11 +31,11 @@ std::string_view boundName(const Term& p) {
 
 namespace {
 
-// ((({ p) w) y) parts, for a term whose spineShape is 'i'.
+// ((({ p) w) y) parts, for a term whose spineShape is a wing.
 inline const Term& wingHead(const Term& t) { return t.left().left().left(); }
 inline const Term& wingPattern(const Term& t) { return t.left().left().right(); }
 inline const Term& wingValue(const Term& t) { return t.left().right(); }
-// ((\ p) b) parts, for a term whose spineShape is 'u'.
+// ((\ p) b) parts, for a term whose spineShape is a binder.
 inline const Term& binderPattern(const Term& t) { return t.left().right(); }
 
 inline bool isDefinableLeaf(const Term& t) { return t.isLeaf() && isDefinableName(nameText(t)); }
@@ -56,7 +56,7 @@ Term expandPairWings(const Term& t) {
   Term l = expandPairWings(t.left());
   Term r = expandPairWings(t.right());
   Term u = rebuilt(t, std::move(l), std::move(r));
-  if (spineShape(u) != 'i') return u;
+  if (spineShape(u) != Shape::kWing) return u;
   const Term& pattern = wingPattern(u);
   if (!pattern.isApp() || !isDefinableLeaf(pattern.left()) || !isDefinableLeaf(pattern.right()))
     return u;
@@ -126,14 +126,14 @@ class RefWalk {
     for (;;) {
       if (cur->isLeaf()) return visitLeaf(*cur);
       switch (spineShape(*cur)) {
-        case 'u': {
+        case Shape::kBinder: {
           std::string_view p = boundName(binderPattern(*cur));
           bind(p);
           walk(cur->right());
           unbind(p);
           return;
         }
-        case 'i': {
+        case Shape::kWing: {
           walk(wingValue(*cur));
           std::string_view p = boundName(wingPattern(*cur));
           bind(p);
@@ -255,7 +255,7 @@ Term renameAll(const Term& t, const Renaming& ren) {
     return letter ? *letter : t;
   }
   switch (spineShape(t)) {
-    case 'i': {
+    case Shape::kWing: {
       // ((({ p) w) y): p by its plain name, w and y by the same walk.
       const Term& p = wingPattern(t);
       const Term* letter = ren.find(boundName(p));
@@ -265,7 +265,7 @@ Term renameAll(const Term& t, const Renaming& ren) {
       if (newP.same(p) && w.same(wingValue(t)) && y.same(t.right())) return t;
       return App3(wingHead(t), std::move(newP), std::move(w), std::move(y));
     }
-    case 'u': {
+    case Shape::kBinder: {
       const Term& p = binderPattern(t);
       const Term* letter = ren.find(boundName(p));
       Term body = renameAll(t.right(), ren);
@@ -316,7 +316,7 @@ bool placeLocals(Term& body) {
 
 int leadingBinders(const Term& t) {
   int n = 0;
-  for (const Term* b = &t; spineShape(*b) == 'u'; b = &b->right()) n++;
+  for (const Term* b = &t; spineShape(*b) == Shape::kBinder; b = &b->right()) n++;
   return n;
 }
 

@@ -28,17 +28,17 @@ Answer diffOf(const Term& x, const Term& y);
 bool bytesLess(std::string_view a, std::string_view b) { return a < b; }
 
 // The bytes compared for texts: a blob's payload, a bracket value's interior.
-bool textLess(const Term& x, const Term& y, char kind) {
+bool textLess(const Term& x, const Term& y, Kind kind) {
   OperandBytes a(x, kind), b(y, kind);
   return bytesLess(a.view(), b.view());
 }
-bool textSame(const Term& x, const Term& y, char kind) {
+bool textSame(const Term& x, const Term& y, Kind kind) {
   OperandBytes a(x, kind), b(y, kind);
   return a.view() == b.view();
 }
 
 // A numb's canonical text, compared for equality.
-bool numbSame(const Term& x, const Term& y) { return textSame(x, y, 'o'); }
+bool numbSame(const Term& x, const Term& y) { return textSame(x, y, Kind::kFraction); }
 
 // ---- Vectors ------------------------------------------------------------------------
 // An element is the term in its slot; an empty slot reads as a fresh leaf Z,
@@ -111,64 +111,64 @@ Answer vectorGreaterEq(const Term& x, const Term& y) {
 // ---- The four comparisons ---------------------------------------------------------
 
 Answer lessOf(const Term& x, const Term& y) {
-  char kx = kindOf(x), ky = kindOf(y);
-  if (kx == 'w' || ky == 'w') return kNone;
+  Kind kx = kindOf(x), ky = kindOf(y);
+  if (kx == Kind::kOther || ky == Kind::kOther) return kNone;
   if (kx != ky) return answer(kx < ky);
   switch (kx) {
-    case 'a':
-    case 'u': return answer(textLess(x, y, kx));
-    case 'e': return answer(realValue(x) < realValue(y));  // false for a NaN
-    case 'i': return answer(hintLess(x, y));
-    case 'k': return vectorLess(x, y);
-    case 'o': return answer(numbLess(x, y));
+    case Kind::kBlob:
+    case Kind::kBracket: return answer(textLess(x, y, kx));
+    case Kind::kReal: return answer(realValue(x) < realValue(y));  // false for a NaN
+    case Kind::kInteger: return answer(hintLess(x, y));
+    case Kind::kVector: return vectorLess(x, y);
+    case Kind::kFraction: return answer(numbLess(x, y));
     default: TARN_FAIL();
   }
 }
 
 Answer greaterEqOf(const Term& x, const Term& y) {
-  char kx = kindOf(x), ky = kindOf(y);
-  if (kx == 'w' || ky == 'w') return kNone;
+  Kind kx = kindOf(x), ky = kindOf(y);
+  if (kx == Kind::kOther || ky == Kind::kOther) return kNone;
   if (kx != ky) return answer(kx >= ky);
   switch (kx) {
-    case 'a':
-    case 'u': return answer(!textLess(x, y, kx));
-    case 'e': return answer(realValue(x) >= realValue(y));  // false for a NaN
-    case 'i': return answer(hintGreaterEq(x, y));
-    case 'k': return vectorGreaterEq(x, y);
+    case Kind::kBlob:
+    case Kind::kBracket: return answer(!textLess(x, y, kx));
+    case Kind::kReal: return answer(realValue(x) >= realValue(y));  // false for a NaN
+    case Kind::kInteger: return answer(hintGreaterEq(x, y));
+    case Kind::kVector: return vectorGreaterEq(x, y);
     // Unequal numbs that numbLess can't tell apart are "greater or equal"
     // both ways.
-    case 'o': return answer(!numbLess(x, y));
+    case Kind::kFraction: return answer(!numbLess(x, y));
     default: TARN_FAIL();
   }
 }
 
 // Equality within a kind (the kinds already agree and are not w or k).
-bool sameValue(const Term& x, const Term& y, char kind) {
+bool sameValue(const Term& x, const Term& y, Kind kind) {
   switch (kind) {
-    case 'a':
-    case 'u': return textSame(x, y, kind);
-    case 'e': return realValue(x) == realValue(y);  // NaN: never; 0.0 == -0.0
-    case 'i': return hintSame(x, y);
-    case 'o': return numbSame(x, y);
+    case Kind::kBlob:
+    case Kind::kBracket: return textSame(x, y, kind);
+    case Kind::kReal: return realValue(x) == realValue(y);  // NaN: never; 0.0 == -0.0
+    case Kind::kInteger: return hintSame(x, y);
+    case Kind::kFraction: return numbSame(x, y);
     default: TARN_FAIL();
   }
 }
 
 Answer sameOf(const Term& x, const Term& y) {
   if (x.same(y)) return kYes;
-  char kx = kindOf(x), ky = kindOf(y);
-  if (kx == 'w' || ky == 'w') return kNone;
+  Kind kx = kindOf(x), ky = kindOf(y);
+  if (kx == Kind::kOther || ky == Kind::kOther) return kNone;
   if (kx != ky) return kNo;
-  if (kx == 'k') return vectorSame(x, y);
+  if (kx == Kind::kVector) return vectorSame(x, y);
   return answer(sameValue(x, y, kx));
 }
 
 Answer diffOf(const Term& x, const Term& y) {
   if (x.same(y)) return kNo;
-  char kx = kindOf(x), ky = kindOf(y);
-  if (kx == 'w' || ky == 'w') return kNone;
+  Kind kx = kindOf(x), ky = kindOf(y);
+  if (kx == Kind::kOther || ky == Kind::kOther) return kNone;
   if (kx != ky) return kYes;
-  if (kx == 'k') return vectorDiff(x, y);
+  if (kx == Kind::kVector) return vectorDiff(x, y);
   return answer(!sameValue(x, y, kx));
 }
 

@@ -71,12 +71,12 @@ void putExtension(const Term& into, size_t at, const Term& e) {
 
 }  // namespace
 
-OperandBytes::OperandBytes(const Term& t, char kind) {
+OperandBytes::OperandBytes(const Term& t, Kind kind) {
   switch (kind) {
-    case 'a':
+    case Kind::kBlob:
       view_ = blobBytes(t);
       return;
-    case 'u':
+    case Kind::kBracket:
       if (t.isLeaf()) {
         std::string_view s = textOf(t);
         view_ = s.substr(1, s.size() - 2);
@@ -85,8 +85,8 @@ OperandBytes::OperandBytes(const Term& t, char kind) {
         view_ = std::string_view(owned_).substr(1, owned_.size() - 2);
       }
       return;
-    case 'i':
-    case 'o':
+    case Kind::kInteger:
+    case Kind::kFraction:
       if (t.isLeaf()) {
         view_ = textOf(t);
       } else {
@@ -94,7 +94,7 @@ OperandBytes::OperandBytes(const Term& t, char kind) {
         view_ = owned_;
       }
       return;
-    case 'e': {
+    case Kind::kReal: {
       char buf[100];
       int n = std::snprintf(buf, sizeof buf, "%e", realValue(t));
       owned_.assign(buf, size_t(n));
@@ -108,9 +108,9 @@ OperandBytes::OperandBytes(const Term& t, char kind) {
 
 double toReal(const Term& t) {
   switch (kindOf(t)) {
-    case 'e': return realValue(t);
-    case 'i': return hintToReal(t);
-    case 'o': return numbToReal(t);
+    case Kind::kReal: return realValue(t);
+    case Kind::kInteger: return hintToReal(t);
+    case Kind::kFraction: return numbToReal(t);
     default: internalFailure("truecast");
   }
 }

@@ -14,12 +14,13 @@
 #include <string>
 #include <string_view>
 
+#include "runtime/annotate.h"
 #include "terms/term.h"
 
 namespace tarn {
 
-inline bool isNumericKind(char k) { return k == 'e' || k == 'i' || k == 'o'; }
-inline bool isTextKind(char k) { return k == 'a' || k == 'u'; }
+inline bool isNumericKind(Kind k) { return k == Kind::kReal || k == Kind::kInteger || k == Kind::kFraction; }
+inline bool isTextKind(Kind k) { return k == Kind::kBlob || k == Kind::kBracket; }
 
 // An integer leaf (kind i) recognised without annotating anything: a digit
 // text that does not start "00". Two of them are the operators' common case.
@@ -36,7 +37,7 @@ inline bool isHintLeaf(const Term& t) {
 // Held in place where the operand's own text will do, otherwise owned here.
 class OperandBytes {
  public:
-  OperandBytes(const Term& t, char kind);
+  OperandBytes(const Term& t, Kind kind);
   OperandBytes(const OperandBytes&) = delete;
   OperandBytes& operator=(const OperandBytes&) = delete;
   std::string_view view() const { return view_; }

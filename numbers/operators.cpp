@@ -36,14 +36,14 @@ double hostReal(Op op, double a, double b) {
 // become doubles. Otherwise an integer meets a numb: the integer becomes a
 // numb and the exact numb operation runs; a vector there fails its form
 // assertion.
-Term promote(Op op, const Term& x, char kx, const Term& y, char ky) {
-  if (kx == 'e' || ky == 'e' || op == Op::kOver || op == Op::kPowa) {
+Term promote(Op op, const Term& x, Kind kx, const Term& y, Kind ky) {
+  if (kx == Kind::kReal || ky == Kind::kReal || op == Op::kOver || op == Op::kPowa) {
     double a = toReal(x);
     double b = toReal(y);
     return realLeaf(hostReal(op, a, b));
   }
-  Term nx = kx == 'i' ? hintToNumb(x) : x;
-  Term ny = ky == 'i' ? hintToNumb(y) : y;
+  Term nx = kx == Kind::kInteger ? hintToNumb(x) : x;
+  Term ny = ky == Kind::kInteger ? hintToNumb(y) : y;
   switch (op) {
     case Op::kPlus: return numbPlus(nx, ny);
     case Op::kDash: return numbDash(nx, ny);
@@ -54,7 +54,7 @@ Term promote(Op op, const Term& x, char kx, const Term& y, char ky) {
 }
 
 // A join of two operands' texts, into a blob or a bracket literal.
-Term joinTexts(bool blob, const Term& x, char kx, const Term& y, char ky) {
+Term joinTexts(bool blob, const Term& x, Kind kx, const Term& y, Kind ky) {
   OperandBytes a(x, kx), b(y, ky);
   return textJoin(blob, a.view(), b.view());
 }
@@ -62,41 +62,41 @@ Term joinTexts(bool blob, const Term& x, char kx, const Term& y, char ky) {
 
 // Text and vector operands whose pair no row took: no answer. Shared by the
 // tails of the tables of dash, mult, over, cent and powa.
-inline bool textWithOther(char kx, char ky) { return isTextKind(kx) || isTextKind(ky); }
+inline bool textWithOther(Kind kx, Kind ky) { return isTextKind(kx) || isTextKind(ky); }
 
 }  // namespace
 
 Term valuePlus(const Term& x, const Term& y) {
   if (isHintLeaf(x) && isHintLeaf(y)) [[likely]] return hintPlus(x, y);
-  char kx = kindOf(x), ky = kindOf(y);
-  if (kx == 'w' || ky == 'w') return noAnswer();
-  if (kx == 'k' && ky == 'k') return vectorJoin(x, y);
-  if (kx == 'k' || ky == 'k') return noAnswer();
+  Kind kx = kindOf(x), ky = kindOf(y);
+  if (kx == Kind::kOther || ky == Kind::kOther) return noAnswer();
+  if (kx == Kind::kVector && ky == Kind::kVector) return vectorJoin(x, y);
+  if (kx == Kind::kVector || ky == Kind::kVector) return noAnswer();
   if (kx == ky) {
     switch (kx) {
-      case 'a': return joinTexts(true, x, kx, y, ky);
-      case 'u': return joinTexts(false, x, kx, y, ky);
-      case 'e': return realLeaf(realValue(x) + realValue(y));
-      case 'i': return hintPlus(x, y);
-      case 'o': return numbPlus(x, y);
+      case Kind::kBlob: return joinTexts(true, x, kx, y, ky);
+      case Kind::kBracket: return joinTexts(false, x, kx, y, ky);
+      case Kind::kReal: return realLeaf(realValue(x) + realValue(y));
+      case Kind::kInteger: return hintPlus(x, y);
+      case Kind::kFraction: return numbPlus(x, y);
       default: return leaf("69");  // no kind reaches this
     }
   }
   // A blob wins over a bracket literal; a number stands as its text.
-  if (kx == 'a' || ky == 'a') return joinTexts(true, x, kx, y, ky);
-  if (kx == 'u' || ky == 'u') return joinTexts(false, x, kx, y, ky);
+  if (kx == Kind::kBlob || ky == Kind::kBlob) return joinTexts(true, x, kx, y, ky);
+  if (kx == Kind::kBracket || ky == Kind::kBracket) return joinTexts(false, x, kx, y, ky);
   return promote(Op::kPlus, x, kx, y, ky);
 }
 
 Term valueDash(const Term& x, const Term& y) {
   if (isHintLeaf(x) && isHintLeaf(y)) [[likely]] return hintDash(x, y);
-  char kx = kindOf(x), ky = kindOf(y);
-  if (kx == 'w' || ky == 'w') return noAnswer();
-  if (ky == 'i') {
+  Kind kx = kindOf(x), ky = kindOf(y);
+  if (kx == Kind::kOther || ky == Kind::kOther) return noAnswer();
+  if (ky == Kind::kInteger) {
     switch (kx) {
-      case 'a': return textRemove(true, blobBytes(x), termToInt64(y));
-      case 'k': return vectorRemove(x, termToInt64(y));
-      case 'u': {
+      case Kind::kBlob: return textRemove(true, blobBytes(x), termToInt64(y));
+      case Kind::kVector: return vectorRemove(x, termToInt64(y));
+      case Kind::kBracket: {
         OperandBytes interior(x, kx);
         return textRemove(false, interior.view(), termToInt64(y));
       }
@@ -105,10 +105,10 @@ Term valueDash(const Term& x, const Term& y) {
   }
   if (kx == ky) {
     switch (kx) {
-      case 'e': return realLeaf(realValue(x) - realValue(y));
-      case 'i': return hintDash(x, y);
-      case 'o': return numbDash(x, y);
-      case 'u': return App(x, y);  // two data terms are paired, not joined
+      case Kind::kReal: return realLeaf(realValue(x) - realValue(y));
+      case Kind::kInteger: return hintDash(x, y);
+      case Kind::kFraction: return numbDash(x, y);
+      case Kind::kBracket: return App(x, y);  // two data terms are paired, not joined
       default: return noAnswer();
     }
   }
@@ -118,15 +118,15 @@ Term valueDash(const Term& x, const Term& y) {
 
 Term valueMult(const Term& x, const Term& y) {
   if (isHintLeaf(x) && isHintLeaf(y)) [[likely]] return hintMult(x, y);
-  char kx = kindOf(x), ky = kindOf(y);
+  Kind kx = kindOf(x), ky = kindOf(y);
   // The number goes to the right of a text or vector.
-  if (kx == 'i' && (ky == 'a' || ky == 'k' || ky == 'u')) return valueMult(y, x);
-  if (kx == 'w' || ky == 'w') return noAnswer();
-  if (ky == 'i') {
+  if (kx == Kind::kInteger && (ky == Kind::kBlob || ky == Kind::kVector || ky == Kind::kBracket)) return valueMult(y, x);
+  if (kx == Kind::kOther || ky == Kind::kOther) return noAnswer();
+  if (ky == Kind::kInteger) {
     switch (kx) {
-      case 'a': return textRepeat(true, blobBytes(x), termToInt64(y));
-      case 'k': return vectorRepeat(x, termToInt64(y));
-      case 'u': {
+      case Kind::kBlob: return textRepeat(true, blobBytes(x), termToInt64(y));
+      case Kind::kVector: return vectorRepeat(x, termToInt64(y));
+      case Kind::kBracket: {
         OperandBytes interior(x, kx);
         return textRepeat(false, interior.view(), termToInt64(y));
       }
@@ -135,9 +135,9 @@ Term valueMult(const Term& x, const Term& y) {
   }
   if (kx == ky) {
     switch (kx) {
-      case 'e': return realLeaf(realValue(x) * realValue(y));
-      case 'i': return hintMult(x, y);
-      case 'o': return numbMult(x, y);
+      case Kind::kReal: return realLeaf(realValue(x) * realValue(y));
+      case Kind::kInteger: return hintMult(x, y);
+      case Kind::kFraction: return numbMult(x, y);
       default: return noAnswer();
     }
   }
@@ -149,14 +149,14 @@ Term valueMult(const Term& x, const Term& y) {
 // vector, the leaf U as an empty slot.
 Term valueOver(const Term& x, const Term& y) {
   if (isHintLeaf(x) && isHintLeaf(y)) [[likely]] return hintOver(x, y);
-  char kx = kindOf(x);
-  if (kx == 'k') return x.node()->size() < 0x3ffffff ? vectorExtendBack(x, y) : noAnswer();
-  char ky = kindOf(y);
-  if (kx == 'w' || ky == 'w') return noAnswer();
+  Kind kx = kindOf(x);
+  if (kx == Kind::kVector) return x.node()->size() < 0x3ffffff ? vectorExtendBack(x, y) : noAnswer();
+  Kind ky = kindOf(y);
+  if (kx == Kind::kOther || ky == Kind::kOther) return noAnswer();
   if (kx == ky) {
     switch (kx) {
-      case 'e': return realLeaf(realValue(x) / realValue(y));  // the host's infinities and NaNs
-      case 'i': return hintOver(x, y);
+      case Kind::kReal: return realLeaf(realValue(x) / realValue(y));  // the host's infinities and NaNs
+      case Kind::kInteger: return hintOver(x, y);
       default: return noAnswer();  // numbs have no division
     }
   }
@@ -166,15 +166,15 @@ Term valueOver(const Term& x, const Term& y) {
 
 Term valueCent(const Term& x, const Term& y) {
   if (isHintLeaf(x) && isHintLeaf(y)) [[likely]] return hintCent(x, y);
-  char ky = kindOf(y);
-  if (ky == 'k') return y.node()->size() < 0x3ffffff ? vectorExtendFront(x, y) : noAnswer();
-  char kx = kindOf(x);
-  if (kx == 'w' || ky == 'w') return noAnswer();
+  Kind ky = kindOf(y);
+  if (ky == Kind::kVector) return y.node()->size() < 0x3ffffff ? vectorExtendFront(x, y) : noAnswer();
+  Kind kx = kindOf(x);
+  if (kx == Kind::kOther || ky == Kind::kOther) return noAnswer();
   if (kx == ky) {
     switch (kx) {
-      case 'e': return realLeaf(std::fmod(realValue(x), realValue(y)));
-      case 'i': return hintCent(x, y);
-      case 'o': return numbCent(x, y);
+      case Kind::kReal: return realLeaf(std::fmod(realValue(x), realValue(y)));
+      case Kind::kInteger: return hintCent(x, y);
+      case Kind::kFraction: return numbCent(x, y);
       default: return noAnswer();
     }
   }
@@ -184,15 +184,15 @@ Term valueCent(const Term& x, const Term& y) {
 
 // Unlike over, the extension at the back has no size check of its own.
 Term valuePowa(const Term& x, const Term& y) {
-  char kx = kindOf(x);
-  if (kx == 'k') return vectorExtendBack(x, y);
-  char ky = kindOf(y);
-  if (kx == 'w' || ky == 'w') return noAnswer();
-  if (kx == 'o' && ky == 'i') return numbPowa(x, y);
+  Kind kx = kindOf(x);
+  if (kx == Kind::kVector) return vectorExtendBack(x, y);
+  Kind ky = kindOf(y);
+  if (kx == Kind::kOther || ky == Kind::kOther) return noAnswer();
+  if (kx == Kind::kFraction && ky == Kind::kInteger) return numbPowa(x, y);
   if (kx == ky) {
     switch (kx) {
-      case 'e': return realLeaf(std::pow(realValue(x), realValue(y)));
-      case 'i': return hintPowa(x, y);
+      case Kind::kReal: return realLeaf(std::pow(realValue(x), realValue(y)));
+      case Kind::kInteger: return hintPowa(x, y);
       default: return noAnswer();  // numb to a numb too
     }
   }

@@ -72,16 +72,16 @@ double realOfTree(const Term& t) {
 
 Term valueReal(const Term& x) {
   switch (kindOf(x)) {
-    case 'e': return x;
-    case 'a': {
+    case Kind::kReal: return x;
+    case Kind::kBlob: {
       // The payload up to its first NUL; no number in it reads as 0.0.
       std::string text(blobBytes(x));
       return realLeaf(std::strtod(text.c_str(), nullptr));
     }
-    case 'i': return realLeaf(hintToReal(x));
-    case 'o': return realLeaf(numbToReal(x));
-    case 'u': {
-      OperandBytes interior(x, 'u');
+    case Kind::kInteger: return realLeaf(hintToReal(x));
+    case Kind::kFraction: return realLeaf(numbToReal(x));
+    case Kind::kBracket: {
+      OperandBytes interior(x, Kind::kBracket);
       std::string text(interior.view());
       return realLeaf(std::atof(text.c_str()));
     }
@@ -91,7 +91,7 @@ Term valueReal(const Term& x) {
 
 Term valueBuck(const Term& x) {
   switch (kindOf(x)) {
-    case 'a': {
+    case Kind::kBlob: {
       // The first byte as a one-element bracket list; the three bytes that
       // can't stand in a literal are escaped.
       std::string_view bytes = blobBytes(x);
@@ -106,25 +106,25 @@ Term valueBuck(const Term& x) {
         }
       }
     }
-    case 'e': return truth(!std::signbit(realValue(x)));  // -0.0 and -NaN too
-    case 'i': return truth(hintSign(x));
-    case 'o': return truth(numbFlag(x));  // list element 2, not the sign
-    case 'u': return isEmptyList(x) ? noAnswer() : bracketLeft(x);
+    case Kind::kReal: return truth(!std::signbit(realValue(x)));  // -0.0 and -NaN too
+    case Kind::kInteger: return truth(hintSign(x));
+    case Kind::kFraction: return truth(numbFlag(x));  // list element 2, not the sign
+    case Kind::kBracket: return isEmptyList(x) ? noAnswer() : bracketLeft(x);
     default: return noAnswer();
   }
 }
 
 Term valueWave(const Term& x) {
   switch (kindOf(x)) {
-    case 'a': {
+    case Kind::kBlob: {
       std::string_view bytes = blobBytes(x);
       if (bytes.empty()) return noAnswer();
       return blobLeaf(bytes.substr(1));
     }
-    case 'e': return realLeaf(-realValue(x));  // the sign flips, also for 0.0
-    case 'i': return hintNegate(x);
-    case 'o': return numbFromBits(numbOpposite(numbBits(x)));
-    case 'u': return isEmptyList(x) ? noAnswer() : bracketRight(x);
+    case Kind::kReal: return realLeaf(-realValue(x));  // the sign flips, also for 0.0
+    case Kind::kInteger: return hintNegate(x);
+    case Kind::kFraction: return numbFromBits(numbOpposite(numbBits(x)));
+    case Kind::kBracket: return isEmptyList(x) ? noAnswer() : bracketRight(x);
     default: return noAnswer();
   }
 }
@@ -133,7 +133,7 @@ Term valueWave(const Term& x) {
 // undoes all three escapes. So a newline survives only one direction.
 Term valueCape(const Term& x) {
   switch (kindOf(x)) {
-    case 'a': {
+    case Kind::kBlob: {
       std::string_view bytes = blobBytes(x);
       std::string out = "[";
       out.reserve(bytes.size() + 2);
@@ -145,8 +145,8 @@ Term valueCape(const Term& x) {
       out += ']';
       return leaf(out);
     }
-    case 'u': {
-      OperandBytes interior(x, 'u');
+    case Kind::kBracket: {
+      OperandBytes interior(x, Kind::kBracket);
       std::string_view s = interior.view();
       std::string out;
       out.reserve(s.size());

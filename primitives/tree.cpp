@@ -26,13 +26,13 @@ Term handleRaws(const Term& chain) {
 Term handleType(const Term& chain) {
   const char* name;
   switch (kindOf(chain.right())) {
-    case 'a': name = "[post]"; break;
-    case 'e': name = "[real]"; break;
-    case 'i': name = "[hint]"; break;
-    case 'k': name = "[cray]"; break;
-    case 'o': name = "[numb]"; break;
-    case 'u': name = "[zits]"; break;
-    case 'w': name = "[void]"; break;
+    case Kind::kBlob: name = "[post]"; break;
+    case Kind::kReal: name = "[real]"; break;
+    case Kind::kInteger: name = "[hint]"; break;
+    case Kind::kVector: name = "[cray]"; break;
+    case Kind::kFraction: name = "[numb]"; break;
+    case Kind::kBracket: name = "[zits]"; break;
+    case Kind::kOther: name = "[void]"; break;
     default: return leaf("69");
   }
   return tern(leaf(name));

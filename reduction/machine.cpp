@@ -46,7 +46,7 @@ bool swapLawHolds() {
   const Term* b = &s.value;
   unsigned char p[2];
   for (unsigned char& letter : p) {
-    if (spineShape(*b) != 'u') return false;
+    if (spineShape(*b) != Shape::kBinder) return false;
     const Term& var = b->left().right();
     if (!var.isLeaf() || !isLower(var.first()) || var.node()->bytes()[1] != 0) return false;
     letter = var.first();
@@ -133,7 +133,7 @@ void step(Machine& m) {
       return;
     }
     // Rule 5a: a wing is strict in its bound value, lazy in its body.
-    if (spineShape(m.control) == 'i') {
+    if (spineShape(m.control) == Shape::kWing) {
       const Term& v = m.control.left().right();
       if (isValue(v)) {
         contract(m);

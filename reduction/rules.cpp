@@ -29,7 +29,7 @@ void peel(GlobalSlot& s) {
   if (s.peeledVersion == s.version && s.peeledEpoch == memoryEpoch()) return;
   s.params.clear();
   const Term* b = &s.value;
-  while (spineShape(*b) == 'u') {
+  while (spineShape(*b) == Shape::kBinder) {
     s.params.push_back(char(b->left().right().first()));
     b = &b->right();
   }
@@ -176,7 +176,7 @@ void fireMemo(Machine& m, const Term& head, const Term& x) {
   TARN_ASSERT(slot.value);
   TARN_ASSERT(!slot.callForm);
   // A memoised binder must not read as a definition with parameters.
-  Term value = spineShape(x) == 'u' ? App2(leafByte('B'), leafByte('I'), x) : x;
+  Term value = spineShape(x) == Shape::kBinder ? App2(leafByte('B'), leafByte('I'), x) : x;
   setSlotValue(slot, value);
   m.control = std::move(value);
 }

@@ -143,27 +143,27 @@ bool isEmptyList(const Term& t) {
   return t.isLeaf() && textOf(t) == "[]";
 }
 
-char kindOf(const Term& t) {
+Kind kindOf(const Term& t) {
   unsigned char c = t.first();
   if (t.isLeaf()) {
-    if (c == ' ') return 'e';
-    if (c == '(') return 'a';
-    if (c == '\n') return 'k';
+    if (c == ' ') return Kind::kReal;
+    if (c == '(') return Kind::kBlob;
+    if (c == '\n') return Kind::kVector;
   }
   annotate(t);
-  if (t.node()->isData()) return 'u';
+  if (t.node()->isData()) return Kind::kBracket;
   if (t.isApp()) {
     const Term& l = t.left();
-    if (l.isLeaf()) return 'w';
-    if (!(l.left().isLeaf() && l.left().first() == 'J')) return 'w';
+    if (l.isLeaf()) return Kind::kOther;
+    if (!(l.left().isLeaf() && l.left().first() == 'J')) return Kind::kOther;
     unsigned char r = l.right().first();
-    if (r == 'H') return 'o';
-    if (r == 'K') return 'i';
-    return 'w';
+    if (r == 'H') return Kind::kFraction;
+    if (r == 'K') return Kind::kInteger;
+    return Kind::kOther;
   }
-  if (!isDigit(c)) return 'w';
+  if (!isDigit(c)) return Kind::kOther;
   const unsigned char* s = t.node()->bytes();
-  return (s[0] == '0' && s[1] == '0') ? 'o' : 'i';
+  return (s[0] == '0' && s[1] == '0') ? Kind::kFraction : Kind::kInteger;
 }
 
 bool isLazyHead(const Term& t) {
@@ -176,14 +176,14 @@ bool isLazyHead(const Term& t) {
   }
 }
 
-char spineShape(const Term& t) {
-  if (t.isLeaf()) return 'o';
+Shape spineShape(const Term& t) {
+  if (t.isLeaf()) return Shape::kOther;
   const Term& t1 = t.left();
-  if (t1.isLeaf()) return 'o';
+  if (t1.isLeaf()) return Shape::kOther;
   const Term& t2 = t1.left();
-  if (textIs(t2, "\\")) return 'u';
-  if (t2.isLeaf()) return 'o';
-  return textIs(t2.left(), "{") ? 'i' : 'o';
+  if (textIs(t2, "\\")) return Shape::kBinder;
+  if (t2.isLeaf()) return Shape::kOther;
+  return textIs(t2.left(), "{") ? Shape::kWing : Shape::kOther;
 }
 
 }  // namespace tarn

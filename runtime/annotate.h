@@ -53,15 +53,29 @@ bool isData(const Term& t);
 // assertion.
 bool isEmptyList(const Term& t);
 
-// Kinds: 'a' blob, 'e' real, 'i' integer, 'k' vector, 'o' binary fraction,
-// 'u' closed data, 'w' anything else.
-char kindOf(const Term& t);
+// The kind of a value, as the operators, comparisons and bindings tell values
+// apart. The values are the letters a program sees for them, and their order
+// is the order in which values of different kinds compare.
+enum class Kind : char {
+  kBlob = 'a',      // a blob leaf "(" length ")" bytes
+  kReal = 'e',      // a real leaf: a blank and eight bytes of a double
+  kInteger = 'i',   // a decimal integer: a digit leaf or a J K cell
+  kVector = 'k',    // a vector leaf
+  kFraction = 'o',  // a binary fraction: a "00" leaf or a J H cell
+  kBracket = 'u',   // closed bracket data
+  kOther = 'w',     // anything else
+};
+Kind kindOf(const Term& t);
 
 // The head byte of t's left spine is one of the lazy heads: & | A B C D E F H
 // I J K L N Q R T U V X Z. Annotates the spine on its way down.
 bool isLazyHead(const Term& t);
-// By form alone: 'u' for a binder ((\ p) body), 'i' for a wing (({ p) v) c),
-// 'o' otherwise.
-char spineShape(const Term& t);
+// The shape of a term's top by form alone.
+enum class Shape : uint8_t {
+  kBinder,  // ((\ p) body)
+  kWing,    // ((({ p) v) c)
+  kOther,
+};
+Shape spineShape(const Term& t);
 
 }  // namespace tarn

@@ -39,7 +39,7 @@ TEST_F(Annotate, DataAndMixedApplications) {
   Term both = App(term("[x]"), term("[yz]"));
   EXPECT_TRUE(isData(both));
   EXPECT_EQ(both.node()->size(), 7u);  // the two text lengths
-  EXPECT_EQ(kindOf(both), 'u');
+  EXPECT_EQ(kindOf(both), Kind::kBracket);
   Term mixed = App(term("[x]"), term("K"));
   EXPECT_FALSE(isData(mixed));
   EXPECT_EQ(arityOf(mixed), 0);
@@ -71,10 +71,10 @@ TEST_F(Annotate, Kinds) {
   const std::pair<std::string_view, char> byText[] = {
       {"0", 'i'}, {"123", 'i'}, {"05", 'i'}, {"00", 'o'}, {"007", 'o'}, {"J K x", 'i'},
       {"J H x", 'o'}, {"J Z x", 'w'}, {"[ab]", 'u'}, {"S", 'w'}, {"Z", 'w'}};
-  for (auto [source, kind] : byText) EXPECT_EQ(kindOf(term(std::string(source))), kind) << source;
-  EXPECT_EQ(kindOf(blobLeaf("ab")), 'a');
-  EXPECT_EQ(kindOf(realLeaf(2.0)), 'e');
-  EXPECT_EQ(kindOf(vectorLeaf(0)), 'k');
+  for (auto [source, kind] : byText) EXPECT_EQ(kindOf(term(std::string(source))), Kind(kind)) << source;
+  EXPECT_EQ(kindOf(blobLeaf("ab")), Kind::kBlob);
+  EXPECT_EQ(kindOf(realLeaf(2.0)), Kind::kReal);
+  EXPECT_EQ(kindOf(vectorLeaf(0)), Kind::kVector);
 }
 
 TEST_F(Annotate, LazyHeadsByByteOnly) {
