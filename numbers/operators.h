@@ -6,7 +6,7 @@
 // Contract: operands are values, borrowed; nothing is evaluated or changed,
 // classification only annotates. Each operation is a table over the kinds of
 // its operands (kindOf: blob, real, integer, vector, fraction, bracket data
-// bracket data, w anything else), tested row by row; a pair that fits no row
+// or other), tested row by row; a pair that fits no row
 // gives a fresh leaf "Z". The result is always a new reference owned by the
 // caller (sometimes to an operand itself, as `real` of a real).
 //
