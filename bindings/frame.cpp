@@ -1,8 +1,8 @@
 // Argument tests and conversions shared by every host binding.
 #include "bindings/frame.h"
 
-#include "terms/failure.h"
 #include "runtime/annotate.h"
+#include "terms/failure.h"
 
 namespace tarn {
 
@@ -20,6 +20,18 @@ void* termToPointer(const Term& t) {
     case Kind::kBlob: return const_cast<char*>(blobBytes(t).data());
     default: TARN_FAIL();
   }
+}
+
+bool passesTest(ArgTest test, const Term& t) {
+  switch (test) {
+    case ArgTest::kInteger: return isHostInteger(t);
+    case ArgTest::kNatural: return isHostNatural(t);
+    case ArgTest::kPointer: return isHostPointer(t);
+    case ArgTest::kReal: return isHostReal(t);
+    case ArgTest::kNone:
+    case ArgTest::kUnchecked: return true;
+  }
+  TARN_FAIL();
 }
 
 double termToReal(const Term& t) { return realValue(t); }

@@ -14,6 +14,7 @@
 #include <cstdio>
 
 #include "checks/run.h"
+#include "driver/builtins.h"
 #include "terms/failure.h"
 #include "runtime/report.h"
 #include "frontend/compile.h"
@@ -80,6 +81,7 @@ int32_t runDriver(int argc, char** argv) {
   }
   std::string source = readProgramFile(path);
 
+  installAllBuiltins();
   loadPrelude();
   Report report = compile(source);
   if (!report.ok()) return fail(report);

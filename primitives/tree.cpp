@@ -1,7 +1,7 @@
 // Tree primitives: taking data apart, testing it, and giving values identity.
 #include <string>
 
-#include "primitives/handlers.h"
+#include "primitives/builtins.h"
 #include "runtime/annotate.h"
 #include "reduction/canonical.h"
 #include "reduction/printer.h"
@@ -9,23 +9,23 @@
 namespace tarn {
 
 // lisp x: the printed text of x as a bracket literal, made as it stands.
-Term handleLisp(const Term& chain) {
+Term handleLisp(const Builtin&, const Args& args) {
   std::string text = "[";
-  text += printTerm(chain.right());
+  text += printTerm(args[0]);
   text += ']';
   return leaf(text);
 }
 
 // raws x y: K when both are the same node, H otherwise; never Z.
-Term handleRaws(const Term& chain) {
-  return leafByte(chain.left().right().same(chain.right()) ? 'K' : 'H');
+Term handleRaws(const Builtin&, const Args& args) {
+  return leafByte(args[0].same(args[1]) ? 'K' : 'H');
 }
 
 // type x: the name of x's kind as a canonical literal, so that equal answers
 // are one node. No kind gives another letter; the 69 stays as a guard.
-Term handleType(const Term& chain) {
+Term handleType(const Builtin&, const Args& args) {
   const char* name;
-  switch (kindOf(chain.right())) {
+  switch (kindOf(args[0])) {
     case Kind::kBlob: name = "[post]"; break;
     case Kind::kReal: name = "[real]"; break;
     case Kind::kInteger: name = "[hint]"; break;

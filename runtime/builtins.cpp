@@ -1,49 +1,30 @@
-// The builtin table: names and arities from builtins.def, handlers bound by
-// name from the families that implement them.
-#include <algorithm>
-#include <array>
+// The installed builtin table and the call into a row's handler.
+#include "runtime/builtins.h"
+
 #include <string>
 
 #include "terms/failure.h"
-#include "runtime/globals.h"
 
 namespace tarn {
 
 namespace {
 
-std::array<Builtin, 254> makeTable() {
-  std::array<Builtin, 254> table = {{
-#define BUILTIN(name, arity, writes) {#name, arity, writes != 0, nullptr},
-#include "runtime/builtins.def"
-#undef BUILTIN
-  }};
-  auto bind = [&](std::span<const HandlerBinding> family) {
-    for (const HandlerBinding& h : family) {
-      auto it = std::lower_bound(table.begin(), table.end(), h.name,
-                                 [](const Builtin& b, std::string_view n) { return b.name < n; });
-      TARN_ASSERT(it != table.end() && it->name == h.name);
-      TARN_ASSERT(it->handler == nullptr);
-      it->handler = h.handler;
-    }
-  };
-  bind(numberHandlers());
-  bind(primitiveHandlers());
-  bind(bindingHandlers());
-  bind(compileHandlers());
-  return table;
-}
-
-const std::array<Builtin, 254>& table() {
-  static const std::array<Builtin, 254> t = makeTable();
-  return t;
-}
+std::span<const Builtin> gTable;
 
 }  // namespace
 
-std::span<const Builtin> builtinTable() { return table(); }
+void installBuiltins(std::span<const Builtin> table) {
+  TARN_ASSERT(table.size() == size_t(kBuiltinCount));
+  gTable = table;
+}
+
+std::span<const Builtin> builtinTable() {
+  TARN_ASSERT(!gTable.empty());
+  return gTable;
+}
 
 const Builtin* findBuiltin(std::string_view name) {
-  const auto& t = table();
+  auto t = builtinTable();
   auto it = std::lower_bound(t.begin(), t.end(), name,
                              [](const Builtin& b, std::string_view n) { return b.name < n; });
   if (it == t.end() || it->name != name) return nullptr;
@@ -55,7 +36,7 @@ Term callBuiltin(const Builtin& b, const Term& chain) {
     std::string tag = "unimplemented " + std::string(b.name);
     internalFailure(tag.c_str());
   }
-  return b.handler(chain);
+  return b.handler(b, Args(chain, b.arity));
 }
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// Process-wide tables: the builtin table, the globals, the prelude's copy of
+// Process-wide tables: the globals, the prelude's copy of
 // the globals and the call forms.
 //
 // Contract: the tables are created on first use and live to the end of the
@@ -16,48 +16,10 @@
 #include <string_view>
 #include <vector>
 
+#include "runtime/builtins.h"
 #include "terms/term.h"
 
 namespace tarn {
-
-// ---- Builtins -------------------------------------------------------------
-
-// A handler gets the whole saturated application (head name included),
-// borrowed, with every argument a value, and returns its result.
-using Handler = Term (*)(const Term& chain);
-
-struct Builtin {
-  std::string_view name;
-  uint8_t arity;
-  bool writesMemory;  // may change bytes of nodes: name caches are dropped
-  Handler handler;    // null until the builtin's handler is written
-};
-
-// The 254 primitives in name order, with their handlers bound.
-std::span<const Builtin> builtinTable();
-// The table entry of a name, or null.
-const Builtin* findBuiltin(std::string_view name);
-// Calls a builtin's handler; a builtin with no handler yet is the internal
-// failure "unimplemented NAME".
-Term callBuiltin(const Builtin& b, const Term& chain);
-
-// Each family of builtins lists its handlers by name; builtins.cpp binds them.
-struct HandlerBinding {
-  std::string_view name;
-  Handler handler;
-};
-std::span<const HandlerBinding> numberHandlers();     // numbers/
-std::span<const HandlerBinding> primitiveHandlers();  // primitives/
-std::span<const HandlerBinding> bindingHandlers();    // bindings/
-std::span<const HandlerBinding> compileHandlers();    // checks/ (road, load)
-
-// Arguments of a chain: argument i (0-based) of a saturated application of
-// arity n, borrowed.
-inline const Term& chainArg(const Term& chain, int i, int n) {
-  const Term* t = &chain;
-  for (int k = n - 1; k > i; k--) t = &t->left();
-  return t->right();
-}
 
 // ---- Globals ----------------------------------------------------------------
 

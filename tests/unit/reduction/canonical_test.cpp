@@ -5,7 +5,7 @@
 #include <string>
 
 #include "driver/stack.h"
-#include "primitives/handlers.h"
+#include "runtime/builtins.h"
 #include "reduction/canonical.h"
 
 namespace tarn {
@@ -130,15 +130,15 @@ TEST(Tern, DeepListsShareAndCompare) {
 
 TEST(OrderBuiltins, CmprAndTern) {
   auto cmpr = [](Term x, Term y) {
-    return std::string(textOf(handleCmpr(App2(W("cmpr"), std::move(x), std::move(y)))));
+    return std::string(textOf(callBuiltin(*findBuiltin("cmpr"), App2(W("cmpr"), std::move(x), std::move(y)))));
   };
   EXPECT_EQ(cmpr(W("a"), W("b")), "1");
   EXPECT_EQ(cmpr(W("b"), W("a")), "01");
   EXPECT_EQ(cmpr(App(W("a"), W("b")), App(W("a"), W("b"))), "0");
 
   clearSeenTerms();
-  Term first = handleTern(App(W("tern"), W("[q]")));
-  Term second = handleTern(App(W("tern"), W("[q]")));
+  Term first = callBuiltin(*findBuiltin("tern"), App(W("tern"), W("[q]")));
+  Term second = callBuiltin(*findBuiltin("tern"), App(W("tern"), W("[q]")));
   EXPECT_TRUE(first.same(second));
   clearSeenTerms();
 }
