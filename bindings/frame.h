@@ -55,20 +55,16 @@ Term pointerToTerm(const void* p);
 
 namespace frame {
 
-// The return and parameter types of a host function. They are deduced from
-// the function pointer rather than taken from its type, because the host
-// library's declarations carry attributes (nonnull, pure, ...) that a type
-// used as a template argument would drop with a warning.
+template <typename F>
+struct Signature;
 template <typename R, typename... P>
-struct Signature {
+struct Signature<R (*)(P...)> {
   using Return = R;
   using Params = std::tuple<std::decay_t<P>...>;
   static constexpr int kArity = sizeof...(P);
 };
 template <typename R, typename... P>
-Signature<R, P...> signatureOf(R (*)(P...));  // unevaluated: types only
-template <auto F>
-using SignatureOf = decltype(signatureOf(F));
+struct Signature<R (*)(P...) noexcept> : Signature<R (*)(P...)> {};
 
 // One converted argument, passed as the host parameter type P.
 template <typename P>
@@ -104,7 +100,7 @@ Term convertResult(Result kind, R r) {
 // The frame itself, instantiated once per host function.
 template <auto F>
 Term callHost(const Builtin& row, const Args& args) {
-  using S = SignatureOf<F>;
+  using S = Signature<decltype(F)>;
   constexpr int n = S::kArity;
   for (int i = 0; i < n; i++)
     if (!passesTest(row.tests[i], args[i])) return leafByte('Z');
@@ -137,7 +133,7 @@ Term constantValue(const Builtin&, const Args&) {
 template <auto F>
 consteval Builtin host(std::string_view name, std::initializer_list<ArgTest> tests, Result result,
                        Memory memory = Memory::kWrites) {
-  using S = frame::SignatureOf<F>;
+  using S = frame::Signature<decltype(F)>;
   static_assert(S::kArity <= kMaxArity);
   Builtin b{name, uint8_t(S::kArity), memory == Memory::kWrites, &frame::callHost<F>, {}, result, 0};
   if (int(tests.size()) != S::kArity) throw "one test per host parameter";
