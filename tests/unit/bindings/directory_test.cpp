@@ -68,7 +68,9 @@ TEST(DirectoryListing, EveryEntryWithTypeLengthAndLookAheadHash) {
   while (DirectoryEntry* e = readDirectory(d)) {
     EXPECT_EQ(static_cast<void*>(e), static_cast<void*>(d));  // the stream is its record
     std::string name = e->d_name;
-    if (!first) EXPECT_EQ(previousOffset, entryNameHash(name.c_str())) << name;
+    if (!first) {
+      EXPECT_EQ(previousOffset, entryNameHash(name.c_str())) << name;
+    }
     first = false;
     previousOffset = e->d_off;
     types[name] = e->d_type;

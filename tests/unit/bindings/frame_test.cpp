@@ -2,7 +2,7 @@
 // host call, the conversion each test implies, and the result conversions.
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <string>
 
 #include "bindings/frame.h"
 #include "tests/unit/bindings/call.h"
@@ -19,6 +19,7 @@ struct Seen {
   int calls = 0;
   int64_t number = 0;
   const char* pointer = nullptr;
+  std::string bytes;  // the first four bytes at `pointer`, read during the call
   double real = 0;
 } seen;
 
@@ -26,6 +27,7 @@ int64_t probe(int64_t number, const char* pointer, double real) {
   seen.calls++;
   seen.number = number;
   seen.pointer = pointer;
+  seen.bytes.assign(pointer, 4);
   seen.real = real;
   return number * 2;
 }
@@ -56,18 +58,18 @@ TEST_F(Frame, EachTestBringsItsConversion) {
   EXPECT_EQ(text(callRow(kProbe, num(-21), leaf("[ab]"), realLeaf(1.5))), "042");
   EXPECT_EQ(seen.calls, 1);
   EXPECT_EQ(seen.number, -21);
-  EXPECT_EQ(std::string(seen.pointer, 4), "[ab]");  // a literal is seen with its brackets
+  EXPECT_EQ(seen.bytes, "[ab]");  // a literal is seen with its brackets
   EXPECT_EQ(seen.real, 1.5);
 
   callRow(kProbe, num(0), blobLeaf(std::string("x\0y", 3)), realLeaf(0));
-  EXPECT_EQ(std::memcmp(seen.pointer, "x\0y", 4), 0);  // a blob: its data bytes, then the NUL behind them
+  EXPECT_EQ(seen.bytes, std::string("x\0y\0", 4));  // a blob: its data bytes, then the NUL behind them
 
-  char buffer[4];
+  char buffer[4] = {'a', 'b', 'c', 'd'};
   callRow(kProbe, num(5), num(int64_t(reinterpret_cast<intptr_t>(buffer))), realLeaf(0));
   EXPECT_EQ(seen.pointer, buffer);  // an integer is the address itself
 
   // Beyond 64 bits an integer wraps to its low 64 bits: 2^64 + 7.
-  callRow(kProbe, leaf("18446744073709551623"), num(0), realLeaf(0));
+  callRow(kProbe, leaf("18446744073709551623"), num(int64_t(reinterpret_cast<intptr_t>(buffer))), realLeaf(0));
   EXPECT_EQ(seen.number, 7);
   EXPECT_EQ(seen.calls, 4);
 }
