@@ -10,8 +10,6 @@ namespace tarn::memory {
 
 namespace {
 
-int widthOf(const Builtin& row) { return int(row.value & kWidthMask); }
-
 // The width's bytes at p, unsigned, in host byte order.
 uint64_t load(const void* p, int width) {
   uint64_t v = 0;
@@ -21,11 +19,10 @@ uint64_t load(const void* p, int width) {
 // The value's low `width` bytes stored at p.
 void store(void* p, uint64_t value, int width) { std::memcpy(p, &value, size_t(width)); }
 
-// The value a write stores, by the row's signedness: termToInt64 keeps the
-// sign in two's complement, termToUInt64 drops it (-1 stores 1).
-uint64_t valueOf(const Builtin& row, const Term& t) {
-  return (row.value & kSignedValue) ? uint64_t(termToInt64(t)) : termToUInt64(t);
-}
+// The value a write stores: the checked stems and `ref` keep the sign in two's
+// complement (termToInt64), `red` and `rem` drop it (termToUInt64: -1 stores 1).
+uint64_t signedValue(const Term& t) { return uint64_t(termToInt64(t)); }
+uint64_t unsignedValue(const Term& t) { return termToUInt64(t); }
 
 // A leaf that no one else holds: the application being reduced is its only
 // holder, so an update in place is seen by no other term.
@@ -69,41 +66,40 @@ Term wrapInBrackets(const std::string& bytes) { return leaf("[" + bytes + "]"); 
 }  // namespace
 
 // ref: the address as the location. Reads take it unsigned and test nothing.
-Term refRead(const Builtin& row, const Args& args) {
+Term refRead(const Args& args, int width) {
   auto address = reinterpret_cast<const void*>(uintptr_t(termToUInt64(args[0])));
-  return uint64ToTerm(load(address, widthOf(row)));
+  return uint64ToTerm(load(address, width));
 }
 
-Term refWrite(const Builtin& row, const Args& args) {
+Term refWrite(const Args& args, int width) {
   if (!isHostInteger(args[0]) || !isHostInteger(args[1])) return leafByte('Z');
   void* address = termToPointer(args[0]);
-  store(address, valueOf(row, args[1]), widthOf(row));
+  store(address, signedValue(args[1]), width);
   return leafByte('I');
 }
 
 // rec: bracket data, indexed between its brackets. Reads flatten and copy the
 // text on every call.
-Term recRead(const Builtin& row, const Args& args) {
+Term recRead(const Args& args, int width) {
   if (kindOf(args[0]) != Kind::kBracket || !isHostInteger(args[1])) return leafByte('Z');
   std::string text = innerText(args[0]);
   size_t index;
-  if (!placeIndex(args[1], text.size(), widthOf(row), index)) return leafByte('Z');
-  return uint64ToTerm(load(text.data() + index, widthOf(row)));
+  if (!placeIndex(args[1], text.size(), width, index)) return leafByte('Z');
+  return uint64ToTerm(load(text.data() + index, width));
 }
 
 // A rec write gives a new literal; it never changes the target. A solely held
 // literal leaf takes the in-place path of the blob writes, whose blob
 // assertion stops the process: a rec write works on shared literals only.
-Term recWrite(const Builtin& row, const Args& args) {
+Term recWrite(const Args& args, int width) {
   if (kindOf(args[0]) != Kind::kBracket || !isHostInteger(args[1]) || !isHostInteger(args[2]))
     return leafByte('Z');
   if (soleHeld(args[0])) blobData(args[0]);  // does not return
-  int width = widthOf(row);
   std::string text = innerText(args[0]);
   size_t index;
   if (!placeIndex(args[1], text.size(), width, index)) return leafByte('Z');
   uint64_t mask = width == 8 ? ~uint64_t(0) : (uint64_t(1) << (8 * width)) - 1;
-  uint64_t value = valueOf(row, args[2]) & mask;
+  uint64_t value = signedValue(args[2]) & mask;
   if (bracketWeight(value) != bracketWeight(load(text.data() + index, width))) return leafByte('Z');
   store(text.data() + index, value, width);
   return wrapInBrackets(text);
@@ -111,37 +107,36 @@ Term recWrite(const Builtin& row, const Args& args) {
 
 // red: any node's bytes from the second one on, unchecked. Writes change the
 // node in place, seen by every holder.
-Term redRead(const Builtin& row, const Args& args) {
+Term redRead(const Args& args, int width) {
   uint64_t index = termToUInt64(args[1]);
-  return uint64ToTerm(load(leafBody(args[0]) + index, widthOf(row)));
+  return uint64ToTerm(load(leafBody(args[0]) + index, width));
 }
 
-Term redWrite(const Builtin& row, const Args& args) {
+Term redWrite(const Args& args, int width) {
   uint64_t index = termToUInt64(args[1]);
-  uint64_t value = valueOf(row, args[2]);
-  store(leafBody(args[0]) + index, value, widthOf(row));
+  uint64_t value = unsignedValue(args[2]);
+  store(leafBody(args[0]) + index, value, width);
   return args[0];
 }
 
 // rel: a blob's data bytes, checked.
-Term relRead(const Builtin& row, const Args& args) {
+Term relRead(const Args& args, int width) {
   if (!isBlobLeaf(args[0]) || !isHostInteger(args[1])) return leafByte('Z');
   std::string_view bytes = blobBytes(args[0]);
   size_t index;
-  if (!placeIndex(args[1], bytes.size(), widthOf(row), index)) return leafByte('Z');
-  return uint64ToTerm(load(bytes.data() + index, widthOf(row)));
+  if (!placeIndex(args[1], bytes.size(), width, index)) return leafByte('Z');
+  return uint64ToTerm(load(bytes.data() + index, width));
 }
 
 // A solely held blob is changed in place and given back. A shared one is
 // copied, and the copy comes back as bracket data, "[" bytes "]", with no
 // balance check: writing into a shared blob gives kind u.
-Term relWrite(const Builtin& row, const Args& args) {
+Term relWrite(const Args& args, int width) {
   if (!isBlobLeaf(args[0]) || !isHostInteger(args[1]) || !isHostInteger(args[2])) return leafByte('Z');
-  int width = widthOf(row);
   std::string_view bytes = blobBytes(args[0]);
   size_t index;
   if (!placeIndex(args[1], bytes.size(), width, index)) return leafByte('Z');
-  uint64_t value = valueOf(row, args[2]);
+  uint64_t value = signedValue(args[2]);
   if (soleHeld(args[0])) {
     store(blobData(args[0]) + index, value, width);
     return args[0];
@@ -153,17 +148,17 @@ Term relWrite(const Builtin& row, const Args& args) {
 
 // rem: a blob's data bytes, unchecked but for the blob assertion. Writes
 // change the blob in place, seen by every holder.
-Term remRead(const Builtin& row, const Args& args) {
+Term remRead(const Args& args, int width) {
   unsigned char* data = blobData(args[0]);
   uint64_t index = termToUInt64(args[1]);
-  return uint64ToTerm(load(data + index, widthOf(row)));
+  return uint64ToTerm(load(data + index, width));
 }
 
-Term remWrite(const Builtin& row, const Args& args) {
+Term remWrite(const Args& args, int width) {
   unsigned char* data = blobData(args[0]);
   uint64_t index = termToUInt64(args[1]);
-  uint64_t value = valueOf(row, args[2]);
-  store(data + index, value, widthOf(row));
+  uint64_t value = unsignedValue(args[2]);
+  store(data + index, value, width);
   return args[0];
 }
 

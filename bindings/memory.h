@@ -38,74 +38,23 @@ namespace memory {
 // bzero address count: I; a count of 0 touches nothing, a negative one is Z.
 Term zeroBlock(const Builtin& row, const Args& args);
 
-// The accessor handlers, one read and one write per stem. The row's `value`
-// holds the width in bytes and whether a written value is taken signed.
-Term refRead(const Builtin& row, const Args& args);
-Term refWrite(const Builtin& row, const Args& args);
-Term recRead(const Builtin& row, const Args& args);
-Term recWrite(const Builtin& row, const Args& args);
-Term redRead(const Builtin& row, const Args& args);
-Term redWrite(const Builtin& row, const Args& args);
-Term relRead(const Builtin& row, const Args& args);
-Term relWrite(const Builtin& row, const Args& args);
-Term remRead(const Builtin& row, const Args& args);
-Term remWrite(const Builtin& row, const Args& args);
+// The accessors, one read and one write per stem, each taking the width in
+// bytes. The rows below bind them to a width one by one.
+Term refRead(const Args& args, int width);
+Term refWrite(const Args& args, int width);
+Term recRead(const Args& args, int width);
+Term recWrite(const Args& args, int width);
+Term redRead(const Args& args, int width);
+Term redWrite(const Args& args, int width);
+Term relRead(const Args& args, int width);
+Term relWrite(const Args& args, int width);
+Term remRead(const Args& args, int width);
+Term remWrite(const Args& args, int width);
 
-// Row `value` of an accessor: the width in its low byte, kSignedValue set when
-// a write takes the value through termToInt64 rather than termToUInt64.
-inline constexpr int64_t kWidthMask = 0xff;
-inline constexpr int64_t kSignedValue = 0x100;
-
-struct AccessorStem {
-  char name[4];      // the three letters
-  int readArity;     // arguments of a read; a write takes one more
-  bool signedValue;  // writes convert the value with termToInt64
-  Handler read;
-  Handler write;
-};
-inline constexpr AccessorStem kAccessorStems[] = {
-    {"ref", 1, true, refRead, refWrite},
-    {"rec", 2, true, recRead, recWrite},
-    {"red", 2, false, redRead, redWrite},
-    {"rel", 2, true, relRead, relWrite},
-    {"rem", 2, false, remRead, remWrite},
-};
-inline constexpr int kStemCount = int(std::size(kAccessorStems));
-
-struct AccessorWidth {
-  char read;   // suffix of the read
-  char write;  // suffix of the write
-  int bytes;
-};
-inline constexpr AccessorWidth kAccessorWidths[] = {{'h', 'l', 1}, {'i', 'm', 2}, {'j', 'n', 4}, {'k', 'o', 8}};
-inline constexpr int kWidthCount = int(std::size(kAccessorWidths));
-inline constexpr int kAccessorCount = kStemCount * kWidthCount * 2;
-
-// The four-letter names, stem by stem, reads then writes: "refh" ... "remo".
-inline constexpr auto kAccessorNames = [] {
-  std::array<char, 4 * kAccessorCount> names{};
-  int k = 0;
-  for (const AccessorStem& s : kAccessorStems)
-    for (int write = 0; write < 2; write++)
-      for (const AccessorWidth& w : kAccessorWidths) {
-        for (int i = 0; i < 3; i++) names[size_t(k++)] = s.name[i];
-        names[size_t(k++)] = write ? w.write : w.read;
-      }
-  return names;
-}();
-
-consteval std::array<Builtin, kAccessorCount> accessorRows() {
-  std::array<Builtin, kAccessorCount> rows{};
-  int k = 0;
-  for (const AccessorStem& s : kAccessorStems)
-    for (int write = 0; write < 2; write++)
-      for (const AccessorWidth& w : kAccessorWidths) {
-        Builtin b = special(std::string_view(kAccessorNames.data() + 4 * k, 4), s.readArity + write,
-                            write ? s.write : s.read, Memory::kWrites);
-        b.value = w.bytes | (s.signedValue ? kSignedValue : 0);
-        rows[size_t(k++)] = b;
-      }
-  return rows;
+// A handler of one accessor: the stem's function at a fixed width.
+template <Term (*F)(const Args&, int), int Width>
+Term accessor(const Builtin&, const Args& args) {
+  return F(args, Width);
 }
 
 // The overload of memchr that reads a constant block.
@@ -127,13 +76,55 @@ inline constexpr auto kMemoryBlockBuiltins = std::to_array<Builtin>({
     host<::realloc>("realloc", {ArgTest::kInteger, ArgTest::kInteger}, Result::kSigned),
 });
 
+inline constexpr auto kAccessorBuiltins = std::to_array<Builtin>({
+    special("refh", 1, memory::accessor<memory::refRead, 1>, Memory::kWrites),
+    special("refi", 1, memory::accessor<memory::refRead, 2>, Memory::kWrites),
+    special("refj", 1, memory::accessor<memory::refRead, 4>, Memory::kWrites),
+    special("refk", 1, memory::accessor<memory::refRead, 8>, Memory::kWrites),
+    special("refl", 2, memory::accessor<memory::refWrite, 1>, Memory::kWrites),
+    special("refm", 2, memory::accessor<memory::refWrite, 2>, Memory::kWrites),
+    special("refn", 2, memory::accessor<memory::refWrite, 4>, Memory::kWrites),
+    special("refo", 2, memory::accessor<memory::refWrite, 8>, Memory::kWrites),
+    special("rech", 2, memory::accessor<memory::recRead, 1>, Memory::kWrites),
+    special("reci", 2, memory::accessor<memory::recRead, 2>, Memory::kWrites),
+    special("recj", 2, memory::accessor<memory::recRead, 4>, Memory::kWrites),
+    special("reck", 2, memory::accessor<memory::recRead, 8>, Memory::kWrites),
+    special("recl", 3, memory::accessor<memory::recWrite, 1>, Memory::kWrites),
+    special("recm", 3, memory::accessor<memory::recWrite, 2>, Memory::kWrites),
+    special("recn", 3, memory::accessor<memory::recWrite, 4>, Memory::kWrites),
+    special("reco", 3, memory::accessor<memory::recWrite, 8>, Memory::kWrites),
+    special("redh", 2, memory::accessor<memory::redRead, 1>, Memory::kWrites),
+    special("redi", 2, memory::accessor<memory::redRead, 2>, Memory::kWrites),
+    special("redj", 2, memory::accessor<memory::redRead, 4>, Memory::kWrites),
+    special("redk", 2, memory::accessor<memory::redRead, 8>, Memory::kWrites),
+    special("redl", 3, memory::accessor<memory::redWrite, 1>, Memory::kWrites),
+    special("redm", 3, memory::accessor<memory::redWrite, 2>, Memory::kWrites),
+    special("redn", 3, memory::accessor<memory::redWrite, 4>, Memory::kWrites),
+    special("redo", 3, memory::accessor<memory::redWrite, 8>, Memory::kWrites),
+    special("relh", 2, memory::accessor<memory::relRead, 1>, Memory::kWrites),
+    special("reli", 2, memory::accessor<memory::relRead, 2>, Memory::kWrites),
+    special("relj", 2, memory::accessor<memory::relRead, 4>, Memory::kWrites),
+    special("relk", 2, memory::accessor<memory::relRead, 8>, Memory::kWrites),
+    special("rell", 3, memory::accessor<memory::relWrite, 1>, Memory::kWrites),
+    special("relm", 3, memory::accessor<memory::relWrite, 2>, Memory::kWrites),
+    special("reln", 3, memory::accessor<memory::relWrite, 4>, Memory::kWrites),
+    special("relo", 3, memory::accessor<memory::relWrite, 8>, Memory::kWrites),
+    special("remh", 2, memory::accessor<memory::remRead, 1>, Memory::kWrites),
+    special("remi", 2, memory::accessor<memory::remRead, 2>, Memory::kWrites),
+    special("remj", 2, memory::accessor<memory::remRead, 4>, Memory::kWrites),
+    special("remk", 2, memory::accessor<memory::remRead, 8>, Memory::kWrites),
+    special("reml", 3, memory::accessor<memory::remWrite, 1>, Memory::kWrites),
+    special("remm", 3, memory::accessor<memory::remWrite, 2>, Memory::kWrites),
+    special("remn", 3, memory::accessor<memory::remWrite, 4>, Memory::kWrites),
+    special("remo", 3, memory::accessor<memory::remWrite, 8>, Memory::kWrites),
+});
+
 // The whole family: the block builtins, then the forty accessors.
 inline constexpr auto kMemoryBuiltins = [] {
-  constexpr auto accessors = memory::accessorRows();
-  std::array<Builtin, kMemoryBlockBuiltins.size() + accessors.size()> all{};
+  std::array<Builtin, kMemoryBlockBuiltins.size() + kAccessorBuiltins.size()> all{};
   size_t k = 0;
   for (const Builtin& b : kMemoryBlockBuiltins) all[k++] = b;
-  for (const Builtin& b : accessors) all[k++] = b;
+  for (const Builtin& b : kAccessorBuiltins) all[k++] = b;
   return all;
 }();
 

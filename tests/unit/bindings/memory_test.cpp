@@ -19,6 +19,7 @@ Term address(const void* p) { return num(int64_t(reinterpret_cast<intptr_t>(p)))
 TEST(AccessorTable, FortyNamesWithTheirArityAndWidth) {
   const char* stems[] = {"ref", "rec", "red", "rel", "rem"};
   const char reads[] = "hijk", writes[] = "lmno";
+  unsigned char block[8] = {};
   for (int s = 0; s < 5; s++)
     for (int w = 0; w < 4; w++) {
       int readArity = s == 0 ? 1 : 2;
@@ -27,16 +28,19 @@ TEST(AccessorTable, FortyNamesWithTheirArityAndWidth) {
       ASSERT_TRUE(r && x) << stems[s] << reads[w];
       EXPECT_EQ(r->arity, readArity);
       EXPECT_EQ(x->arity, readArity + 1);
-      EXPECT_EQ(r->value & memory::kWidthMask, 1 << w);
-      EXPECT_EQ(x->value & memory::kWidthMask, 1 << w);
       EXPECT_TRUE(r->writesMemory && x->writesMemory);
     }
-  // Writes keep the sign through termToInt64 except in the unchecked stems.
-  EXPECT_TRUE(findBuiltin("refo")->value & memory::kSignedValue);
-  EXPECT_TRUE(findBuiltin("reco")->value & memory::kSignedValue);
-  EXPECT_TRUE(findBuiltin("relo")->value & memory::kSignedValue);
-  EXPECT_FALSE(findBuiltin("redo")->value & memory::kSignedValue);
-  EXPECT_FALSE(findBuiltin("remo")->value & memory::kSignedValue);
+  // Each ref row stores and reads exactly its width.
+  for (int w = 0; w < 4; w++) {
+    std::memset(block, 0, sizeof block);
+    callNamed(std::string("ref") + writes[w], address(block), num(-1));
+    int stored = 0;
+    while (stored < 8 && block[stored] == 0xff) stored++;
+    EXPECT_EQ(stored, 1 << w) << writes[w];
+    std::memset(block, 0xff, sizeof block);
+    EXPECT_EQ(text(callNamed(std::string("ref") + reads[w], address(block))),
+              std::to_string(w == 3 ? ~uint64_t(0) : (uint64_t(1) << (8 << w)) - 1));
+  }
 }
 
 TEST(RefAccessors, ReadsAreUnsignedAtEachWidth) {
