@@ -113,8 +113,8 @@ Term corkBracket(const Args& args) {
   if (target.isLeaf() && args.soleHeld(0)) {
     // The in-place path addresses text position i + 9, eight bytes past the
     // byte the copying path changes; programs see this offset and it is kept.
-    // The literal's slack holds every such position inside the node, and its
-    // last byte stays a NUL.
+    // The literal's slack holds every such position (up to 6 bytes past the
+    // NUL) inside the node, and keeps a NUL behind it.
     size_t at = size_t(i) + 9;
     TARN_ASSERT(at + 1 < leafCapacity(target.node()));
     target.node()->bytes()[at] = b;

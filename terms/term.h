@@ -124,9 +124,10 @@ Term leaf(std::string_view text);
 Term rawLeaf(size_t n);
 // Zero bytes that a bracket literal leaf carries behind its terminating NUL,
 // inside its own allocation. The in-place byte update of a solely held
-// literal addresses up to 7 bytes past the NUL (an offset that programs rely
-// on); the slack keeps that write inside the node, and its last byte, never
-// written, still ends the text for readers that stop at a NUL.
+// literal addresses a byte up to 6 bytes past the NUL (an offset that
+// programs can see and that is kept); the slack keeps that write inside the
+// node, and its last bytes, never written, still end the text for readers
+// that stop at a NUL.
 inline constexpr size_t kBracketSlack = 8;
 // The bytes of a leaf's allocation from its first text byte on: the text, its
 // NUL and any slack (SIZE_MAX for a block of 4 GiB or more, whose size the
