@@ -1,7 +1,9 @@
-// Entry point: the driver runs on a thread with a very large stack.
+// Entry point: the output stream gets the interpreter's own buffer and the
+// fatal signals their handler, then the driver runs on a very large stack.
 #include <cstdio>
 
 #include "driver/driver.h"
+#include "driver/signals.h"
 #include "driver/stack.h"
 #ifdef TARN_STATS
 #include <cinttypes>
@@ -10,6 +12,8 @@
 #endif
 
 int main(int argc, char** argv) {
+  tarn::adoptOutputBuffer();
+  tarn::installFatalSignalHandlers();
   int32_t status = 0;
   tarn::runWithLargeStack([&] { status = tarn::runDriver(argc, argv); });
   std::fflush(stdout);

@@ -133,7 +133,13 @@ void installBuiltins(std::span<const Builtin> table);
 std::span<const Builtin> builtinTable();
 // The row of a name, or null.
 const Builtin* findBuiltin(std::string_view name);
-// Calls a builtin on its saturated application `chain` (borrowed).
+// Calls a builtin on its saturated application `chain` (borrowed). While the
+// handler runs, `runningBuiltin` names it, so that a crash inside a host call
+// can say which builtin made the call.
 Term callBuiltin(const Builtin& b, const Term& chain);
+// The row whose handler is running, innermost first (a handler that compiles
+// text at run time nests further calls), or null. Safe to read from a signal
+// handler on the interpreter's thread.
+const Builtin* runningBuiltin();
 
 }  // namespace tarn
