@@ -56,3 +56,4 @@ case "$what" in
   numbers) numbers ;;
   all) machine; numbers ;;
 esac
+bench/resources.sh "$TARN"

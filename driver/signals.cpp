@@ -173,12 +173,22 @@ void installFatalSignalHandlers() {
   for (int sig : kFatalSignals) ::sigaction(sig, &action, nullptr);
 }
 
-void useSignalStack() {
+SignalStackScope::SignalStackScope() {
   stack_t ss{};
   ss.ss_sp = gSignalStack;
   ss.ss_size = sizeof gSignalStack;
   ss.ss_flags = 0;
-  ::sigaltstack(&ss, nullptr);
+  if (::sigaltstack(&ss, &previous_) != 0) previous_.ss_flags = SS_DISABLE;
+}
+
+SignalStackScope::~SignalStackScope() {
+  if (previous_.ss_flags & SS_DISABLE) {
+    stack_t off{};
+    off.ss_flags = SS_DISABLE;
+    ::sigaltstack(&off, nullptr);
+  } else {
+    ::sigaltstack(&previous_, nullptr);
+  }
 }
 
 void setStackGuard(const void* low, const void* high, size_t stackBytes) {

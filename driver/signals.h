@@ -16,6 +16,8 @@
 // a stream that the program had wrecked ends the process by the same signal.
 #pragma once
 
+#include <signal.h>
+
 #include <cstddef>
 
 namespace tarn {
@@ -29,9 +31,21 @@ void adoptOutputBuffer();
 // Installs the handlers for the whole process.
 void installFatalSignalHandlers();
 
-// Gives the calling thread its alternate signal stack, so that the handler
-// can run after the thread's own stack has overflowed.
-void useSignalStack();
+// While it lives, the calling thread runs the handler on an alternate signal
+// stack, so that the handler can run after the thread's own stack has
+// overflowed. The thread's previous alternate stack comes back at the end: a
+// sanitizer runtime unmaps whatever alternate stack a thread ends with,
+// assuming it is its own.
+class SignalStackScope {
+ public:
+  SignalStackScope();
+  ~SignalStackScope();
+  SignalStackScope(const SignalStackScope&) = delete;
+  SignalStackScope& operator=(const SignalStackScope&) = delete;
+
+ private:
+  stack_t previous_{};
+};
 
 // The guard [low, high) below the interpreter's stack, and the usable size of
 // that stack: a fault inside the guard is reported as a stack overflow.

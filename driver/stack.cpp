@@ -53,13 +53,13 @@ Reserve reserveStack() {
 }
 
 void* trampoline(void* p) {
-  useSignalStack();
+  SignalStackScope signalStack;
   (*static_cast<const std::function<void()>*>(p))();
   return nullptr;
 }
 
 void runHere(const std::function<void()>& fn) {
-  useSignalStack();
+  SignalStackScope signalStack;
   fn();
 }
 
