@@ -1,5 +1,7 @@
 // Entry point: the output stream gets the interpreter's own buffer and the
-// fatal signals their handler, then the driver runs on a very large stack.
+// fatal signals their handler, then the driver runs on a thread with a very
+// large stack; its outcome becomes the process exit status (1 for a program
+// that could not run, see driver.h).
 #include <cstdio>
 
 #include "driver/driver.h"
@@ -14,11 +16,11 @@
 int main(int argc, char** argv) {
   tarn::adoptOutputBuffer();
   tarn::installFatalSignalHandlers();
-  int32_t status = 0;
-  tarn::runWithLargeStack([&] { status = tarn::runDriver(argc, argv); });
+  tarn::RunOutcome outcome;
+  tarn::runWithLargeStack([&] { outcome = tarn::runProgram(argc, argv); });
   std::fflush(stdout);
 #ifdef TARN_STATS
   std::fprintf(stderr, "steps %" PRIu64 "\n", tarn::machineSteps());
 #endif
-  return status;
+  return tarn::processExitStatus(outcome);
 }

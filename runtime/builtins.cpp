@@ -11,30 +11,11 @@ namespace tarn {
 namespace {
 
 std::span<const Builtin> gTable;
-// Written around every handler call and read by the fatal-signal handler;
-// lock-free, so a relaxed store is a plain move.
-std::atomic<const Builtin*> gRunning{nullptr};
-static_assert(std::atomic<const Builtin*>::is_always_lock_free);
-
-// Restores the outer builtin's name when a handler returns.
-class RunningScope {
- public:
-  explicit RunningScope(const Builtin& b) : outer_(gRunning.load(std::memory_order_relaxed)) {
-    gRunning.store(&b, std::memory_order_relaxed);
-    std::atomic_signal_fence(std::memory_order_seq_cst);
-  }
-  ~RunningScope() {
-    std::atomic_signal_fence(std::memory_order_seq_cst);
-    gRunning.store(outer_, std::memory_order_relaxed);
-  }
-  RunningScope(const RunningScope&) = delete;
-  RunningScope& operator=(const RunningScope&) = delete;
-
- private:
-  const Builtin* outer_;
-};
 
 }  // namespace
+
+std::atomic<const Builtin*> gRunningBuiltin{nullptr};
+static_assert(std::atomic<const Builtin*>::is_always_lock_free);
 
 void installBuiltins(std::span<const Builtin> table) {
   TARN_ASSERT(table.size() == size_t(kBuiltinCount));
@@ -54,15 +35,9 @@ const Builtin* findBuiltin(std::string_view name) {
   return &*it;
 }
 
-Term callBuiltin(const Builtin& b, const Term& chain) {
-  if (!b.handler) [[unlikely]] {
-    std::string tag = "unimplemented " + std::string(b.name);
-    internalFailure(tag.c_str());
-  }
-  RunningScope running(b);
-  return b.handler(b, Args(chain, b.arity));
+void unimplementedBuiltin(const Builtin& b) {
+  std::string tag = "unimplemented " + std::string(b.name);
+  internalFailure(tag.c_str());
 }
-
-const Builtin* runningBuiltin() { return gRunning.load(std::memory_order_relaxed); }
 
 }  // namespace tarn
