@@ -5,6 +5,8 @@
 # /usr/local; DESTDIR is honoured), `make uninstall` removes them.
 BUILD  := build
 ASAN   := build-asan
+FUZZ   := build-fuzz
+FUZZ_SECONDS ?= 600
 JOBS   ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE  ?= cmake
 PREFIX ?= /usr/local
@@ -12,7 +14,7 @@ BINDIR ?= $(PREFIX)/bin
 MANDIR ?= $(PREFIX)/share/man/man1
 DOCDIR ?= $(PREFIX)/share/doc/tarn
 
-.PHONY: all test test-release test-asan run bench clean install install-files uninstall
+.PHONY: all test test-release test-asan run bench fuzz clean install install-files uninstall
 
 all: $(BUILD)/CMakeCache.txt
 	$(CMAKE) --build $(BUILD) -j$(JOBS)
@@ -30,7 +32,8 @@ test-release: all
 
 test-asan: $(ASAN)/CMakeCache.txt
 	$(CMAKE) --build $(ASAN) -j$(JOBS)
-	cd $(ASAN) && ASAN_OPTIONS=detect_leaks=0 ctest --output-on-failure -j$(JOBS)
+	cd $(ASAN) && ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp:print_suppressions=0 \
+	  ctest --output-on-failure -j$(JOBS)
 
 run: all
 	./$(BUILD)/tarn examples/hello.tarn
@@ -52,5 +55,18 @@ uninstall:
 bench: all
 	bench/run.sh
 
+# The libFuzzer target over the whole pipeline, for FUZZ_SECONDS (default
+# 600); needs clang and its runtime, installed here when missing. Findings go
+# to build-fuzz/artifacts; see tests/fuzz/run.sh.
+fuzz:
+	@command -v clang++ >/dev/null 2>&1 && [ -n "$$(ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer_no_main-x86_64.a 2>/dev/null)" ] || \
+	  { SUDO=""; [ "$$(id -u)" -ne 0 ] && SUDO=sudo; $$SUDO apt-get update -q && \
+	    DEBIAN_FRONTEND=noninteractive $$SUDO apt-get install -y -q clang libclang-rt-dev || \
+	    DEBIAN_FRONTEND=noninteractive $$SUDO apt-get install -y -q clang libclang-rt-14-dev; }
+	[ -e $(FUZZ)/CMakeCache.txt ] || $(CMAKE) -S . -B $(FUZZ) -DCMAKE_CXX_COMPILER=clang++ \
+	  -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTARN_SANITIZE=ON -DTARN_FUZZ=ON
+	$(CMAKE) --build $(FUZZ) -j$(JOBS) --target pipeline_fuzz
+	tests/fuzz/run.sh $(FUZZ)/pipeline_fuzz $(FUZZ_SECONDS) $(FUZZ)/artifacts
+
 clean:
-	rm -rf $(BUILD) $(ASAN)
+	rm -rf $(BUILD) $(ASAN) $(FUZZ)

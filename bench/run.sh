@@ -57,3 +57,4 @@ case "$what" in
   all) machine; numbers ;;
 esac
 case "$what" in data|all) bench/data/run.sh ;; esac
+case "$what" in resources|all) bench/resources.sh "$TARN" ;; esac

@@ -27,4 +27,6 @@ static_assert(namesDistinct(kBuiltins), "no builtin has two rows");
 
 void installAllBuiltins() { installBuiltins(kBuiltins); }
 
+std::span<const Builtin> allBuiltinRows() { return kBuiltins; }
+
 }  // namespace tarn

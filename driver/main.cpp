@@ -1,9 +1,11 @@
-// Entry point: the driver runs on a thread with a very large stack; its
-// outcome becomes the process exit status (1 for a program that could not
-// run, see driver.h).
+// Entry point: the output stream gets the interpreter's own buffer and the
+// fatal signals their handler, then the driver runs on a thread with a very
+// large stack; its outcome becomes the process exit status (1 for a program
+// that could not run, see driver.h).
 #include <cstdio>
 
 #include "driver/driver.h"
+#include "driver/signals.h"
 #include "driver/stack.h"
 #ifdef TARN_STATS
 #include <cinttypes>
@@ -12,6 +14,8 @@
 #endif
 
 int main(int argc, char** argv) {
+  tarn::adoptOutputBuffer();
+  tarn::installFatalSignalHandlers();
   tarn::RunOutcome outcome;
   tarn::runWithLargeStack([&] { outcome = tarn::runProgram(argc, argv); });
   std::fflush(stdout);

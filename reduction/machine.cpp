@@ -5,12 +5,14 @@
 #include "runtime/globals.h"
 #include "runtime/annotate.h"
 #include "reduction/printer.h"
+#include "runtime/report.h"
 
 namespace tarn {
 
 namespace {
 
 uint64_t stepCount = 0;
+uint64_t stepLimit = UINT64_MAX;  // see setStepLimit
 
 // Takes an owned application apart. When the control is the node's only
 // holder (the common case) the children's references are moved out and the
@@ -101,6 +103,19 @@ inline int argumentFrames(const Machine& m, int n) {
 }  // namespace
 
 uint64_t machineSteps() { return stepCount; }
+
+void setStepLimit(uint64_t limit) { stepLimit = limit; }
+
+namespace {
+
+[[gnu::cold]] Term stepBudgetSpent() {
+  Report r;
+  r.say = "Step budget spent.";
+  r.tag = "steps";
+  return App(leafByte(']'), leaf(reportText(r)));
+}
+
+}  // namespace
 
 void endWith(Machine& m, Term r) {
   m.frames.clear();
@@ -259,6 +274,7 @@ Term reduce(Term t) {
   m.control = std::move(t);
   for (;;) {
     if (m.frames.empty() && isValue(m.control)) return std::move(m.control);
+    if (stepCount >= stepLimit) [[unlikely]] return stepBudgetSpent();
     step(m);
   }
 }

@@ -50,6 +50,10 @@ void contract(Machine& m);
 
 // Steps taken by all machines since start (for the benchmarks).
 uint64_t machineSteps();
+// A budget for test harnesses (a run never sets one): once all machines
+// together have taken `limit` steps, every reduction ends at once with the
+// report tagged "steps", carried like a failed run-time compilation's.
+void setStepLimit(uint64_t limit);
 
 // The machine state as the term (K X), printed.
 std::string dumpMachine(const Machine& m);

@@ -1,6 +1,7 @@
 // The installed builtin table and the call into a row's handler.
 #include "runtime/builtins.h"
 
+#include <atomic>
 #include <string>
 
 #include "terms/failure.h"
@@ -12,6 +13,9 @@ namespace {
 std::span<const Builtin> gTable;
 
 }  // namespace
+
+std::atomic<const Builtin*> gRunningBuiltin{nullptr};
+static_assert(std::atomic<const Builtin*>::is_always_lock_free);
 
 void installBuiltins(std::span<const Builtin> table) {
   TARN_ASSERT(table.size() == size_t(kBuiltinCount));

@@ -19,6 +19,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <array>
 #include <cstdint>
 #include <span>
@@ -147,11 +148,39 @@ void installBuiltins(std::span<const Builtin> table);
 std::span<const Builtin> builtinTable();
 // The row of a name, or null.
 const Builtin* findBuiltin(std::string_view name);
+// The row whose handler is running, innermost first (a handler that compiles
+// text at run time nests further calls), or null. Written around every
+// handler call, so that a crash inside a host call can say which builtin made
+// the call; lock-free, so the fatal-signal handler may read it and a relaxed
+// store is a plain move.
+extern std::atomic<const Builtin*> gRunningBuiltin;
+inline const Builtin* runningBuiltin() { return gRunningBuiltin.load(std::memory_order_relaxed); }
+
+// Marks a builtin as running for its lifetime; the outer mark comes back.
+class RunningBuiltinScope {
+ public:
+  explicit RunningBuiltinScope(const Builtin& b) : outer_(gRunningBuiltin.load(std::memory_order_relaxed)) {
+    gRunningBuiltin.store(&b, std::memory_order_relaxed);
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+  }
+  ~RunningBuiltinScope() {
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    gRunningBuiltin.store(outer_, std::memory_order_relaxed);
+  }
+  RunningBuiltinScope(const RunningBuiltinScope&) = delete;
+  RunningBuiltinScope& operator=(const RunningBuiltinScope&) = delete;
+
+ private:
+  const Builtin* outer_;
+};
+
 // The internal failure "unimplemented NAME".
 [[noreturn]] void unimplementedBuiltin(const Builtin& b);
-// Calls a builtin on its saturated application `chain` (borrowed).
+// Calls a builtin on its saturated application `chain` (borrowed), marked as
+// running while its handler runs.
 inline Term callBuiltin(const Builtin& b, const Term& chain) {
   if (!b.handler) [[unlikely]] unimplementedBuiltin(b);
+  RunningBuiltinScope running(b);
   return b.handler(b, Args(chain, b.arity));
 }
 

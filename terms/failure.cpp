@@ -6,7 +6,14 @@
 
 namespace tarn {
 
+namespace {
+FatalHook gFatalHook = nullptr;
+}  // namespace
+
+void setFatalHook(FatalHook hook) { gFatalHook = hook; }
+
 void fatalAssertion(const char* file, int line) {
+  if (gFatalHook) gFatalHook(file, line);
   std::fflush(stdout);
   std::fprintf(stderr, "ASSERTION FAILED:%s:%d\n", file, line);
   std::fflush(stderr);

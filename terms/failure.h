@@ -13,6 +13,12 @@ namespace tarn {
 [[noreturn]] void fatalAssertion(const char* file, int line);
 [[noreturn]] void internalFailure(const char* tag);
 
+// A test harness may take the fatal assertion over: the hook is called first,
+// with the file and line, and leaves by throwing (a run never sets one; if the
+// hook returns, the assertion prints and aborts as usual).
+using FatalHook = void (*)(const char* file, int line);
+void setFatalHook(FatalHook hook);
+
 }  // namespace tarn
 
 // TARN_ASSERT(cond): a fatal assertion when cond is false. Always on.

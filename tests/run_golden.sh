@@ -13,6 +13,9 @@
 #
 # Usage: run_golden.sh path/to/tarn area-folder [name...]
 set -u
+# A program that ends by a signal must not leave a core file (nor make
+# `timeout` remark on one in the captured error stream).
+ulimit -c 0
 tarn=$(cd "$(dirname "$1")" && pwd)/$(basename "$1")
 area=$2
 shift 2
