@@ -48,6 +48,11 @@ Term pointerToTerm(const void* p);
 
 // ---- The frame -------------------------------------------------------------------
 
+// Host functions carry attributes (non-null parameters and the like) that a
+// function pointer type cannot keep; dropping them is what is wanted here.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wignored-attributes"
+
 namespace frame {
 
 template <typename F>
@@ -142,5 +147,7 @@ template <int64_t V>
 consteval Builtin constant(std::string_view name, Memory memory = Memory::kKeeps) {
   return Builtin{name, 0, memory == Memory::kWrites, &frame::constantValue<V>, {}, Result::kSigned, V};
 }
+
+#pragma GCC diagnostic pop
 
 }  // namespace tarn

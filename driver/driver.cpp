@@ -57,27 +57,29 @@ void printStartReport(const char* path) {
   std::fputs(text.c_str(), stderr);
 }
 
+constexpr RunOutcome kCouldNotRun{kFailedStatus, true};
+
 // Failure path shared by every stage: reset the colours, then the banner.
-int32_t fail(const Report& report) {
+RunOutcome fail(const Report& report) {
   std::string text = "\033[m";
   text += banner(report);
   std::fwrite(text.data(), 1, text.size(), stderr);
-  return kFailedStatus;
+  return kCouldNotRun;
 }
 
 }  // namespace
 
-int32_t runDriver(int argc, char** argv) {
+RunOutcome runProgram(int argc, char** argv) {
   startTime = std::time(nullptr);  // kept although nothing reads it
   TARN_ASSERT(argc != 0);
   if (argc == 1) {
     printUsage();
-    return argc;
+    return {argc, false};
   }
   const char* path = argv[1];
   if (!programFileOpens(path)) {
     printStartReport(path);
-    return kFailedStatus;
+    return kCouldNotRun;
   }
   std::string source = readProgramFile(path);
 
@@ -91,7 +93,18 @@ int32_t runDriver(int argc, char** argv) {
   if (!report.ok()) return fail(report);
 
   int64_t result = termToInt64(mainTerm());
-  return int32_t(uint32_t(uint64_t(result)));  // the low 32 bits
+  return {int32_t(uint32_t(uint64_t(result))), false};  // the low 32 bits
+}
+
+int32_t runDriver(int argc, char** argv) { return runProgram(argc, argv).status; }
+
+int processExitStatus(const RunOutcome& outcome) {
+  // The host keeps only the low 8 bits of the status, and those of
+  // 0x80000000 are 0, which would read as success: a run that could not
+  // take place says so with 1 instead. A program that returns 2147483648
+  // itself did run, and its status passes through like any other.
+  if (outcome.couldNotRun) return 1;
+  return outcome.status;
 }
 
 std::string readProgramFile(const char* path) {

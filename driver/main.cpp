@@ -1,4 +1,6 @@
-// Entry point: the driver runs on a thread with a very large stack.
+// Entry point: the driver runs on a thread with a very large stack; its
+// outcome becomes the process exit status (1 for a program that could not
+// run, see driver.h).
 #include <cstdio>
 
 #include "driver/driver.h"
@@ -10,11 +12,11 @@
 #endif
 
 int main(int argc, char** argv) {
-  int32_t status = 0;
-  tarn::runWithLargeStack([&] { status = tarn::runDriver(argc, argv); });
+  tarn::RunOutcome outcome;
+  tarn::runWithLargeStack([&] { outcome = tarn::runProgram(argc, argv); });
   std::fflush(stdout);
 #ifdef TARN_STATS
   std::fprintf(stderr, "steps %" PRIu64 "\n", tarn::machineSteps());
 #endif
-  return status;
+  return tarn::processExitStatus(outcome);
 }

@@ -1,12 +1,12 @@
 // Bit string primitives and the two spellings of a number: decimal text and
 // bit string. Values that fit in one machine word take a direct path; longer
-// ones go through the binary naturals of binary.h.
+// ones go through the binary naturals of bignum/binary.h.
 #include "numbers/bits.h"
 
 #include <cstring>
 
 #include "terms/failure.h"
-#include "numbers/binary.h"
+#include "numbers/bignum/binary.h"
 
 namespace tarn {
 

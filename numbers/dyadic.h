@@ -13,7 +13,7 @@
 
 #include <cstdint>
 
-#include "numbers/binary.h"
+#include "numbers/bignum/binary.h"
 #include "numbers/bits.h"
 
 namespace tarn {

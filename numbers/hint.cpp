@@ -8,7 +8,7 @@
 #include <string>
 
 #include "terms/failure.h"
-#include "numbers/decimal.h"
+#include "numbers/bignum/decimal.h"
 #include "numbers/model.h"
 
 namespace tarn {

@@ -10,7 +10,7 @@
 // products always are; every other result is a fresh, unannotated leaf.
 //
 // Operands of up to 18 digits take a machine-word path and never build a
-// string; longer ones go to the decimal core (numbers/decimal.h), which
+// string; longer ones go to the decimal core (numbers/bignum/decimal.h), which
 // writes its result straight into the result leaf.
 #pragma once
 

@@ -31,12 +31,9 @@ const Builtin* findBuiltin(std::string_view name) {
   return &*it;
 }
 
-Term callBuiltin(const Builtin& b, const Term& chain) {
-  if (!b.handler) [[unlikely]] {
-    std::string tag = "unimplemented " + std::string(b.name);
-    internalFailure(tag.c_str());
-  }
-  return b.handler(b, Args(chain, b.arity));
+void unimplementedBuiltin(const Builtin& b) {
+  std::string tag = "unimplemented " + std::string(b.name);
+  internalFailure(tag.c_str());
 }
 
 }  // namespace tarn

@@ -48,7 +48,7 @@ class Args {
   int size() const { return count_; }
 
  private:
-  std::array<const Term*, kMaxArity> items_{};
+  std::array<const Term*, kMaxArity> items_;  // the first count_ are set
   int count_;
 };
 
@@ -133,7 +133,12 @@ void installBuiltins(std::span<const Builtin> table);
 std::span<const Builtin> builtinTable();
 // The row of a name, or null.
 const Builtin* findBuiltin(std::string_view name);
+// The internal failure "unimplemented NAME".
+[[noreturn]] void unimplementedBuiltin(const Builtin& b);
 // Calls a builtin on its saturated application `chain` (borrowed).
-Term callBuiltin(const Builtin& b, const Term& chain);
+inline Term callBuiltin(const Builtin& b, const Term& chain) {
+  if (!b.handler) [[unlikely]] unimplementedBuiltin(b);
+  return b.handler(b, Args(chain, b.arity));
+}
 
 }  // namespace tarn

@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-#include "numbers/decimal.h"
+#include "numbers/bignum/decimal.h"
 
 namespace {
 

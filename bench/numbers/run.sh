@@ -6,7 +6,7 @@
 set -eu
 cd "$(dirname "$0")/../.."
 cmake --build build --target decimal_bench -j2 > /dev/null
-echo "== decimal arithmetic (tarn's numbers/decimal, best of ${RUNS:-3})"
+echo "== decimal arithmetic (tarn's numbers/bignum/decimal, best of ${RUNS:-3})"
 build/decimal_bench "${RUNS:-3}"
 echo "== the same workloads with the peers"
 bench/numbers/peers.sh "${RUNS:-3}"

@@ -5,8 +5,8 @@
 #include <iostream>
 #include <string>
 
-#include "numbers/decimal.h"
-#include "numbers/decimal_simd.h"
+#include "numbers/bignum/decimal.h"
+#include "numbers/bignum/decimal_simd.h"
 
 namespace {
 

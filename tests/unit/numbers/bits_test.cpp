@@ -4,7 +4,7 @@
 
 #include <random>
 
-#include "numbers/binary.h"
+#include "numbers/bignum/binary.h"
 #include "numbers/bits.h"
 
 namespace tarn {

@@ -3,13 +3,13 @@
 // Text conversion is the cost every operation pays on both ends, so it works
 // eight digits at a time inside one 64-bit word (three multiplications to
 // read, four to write) instead of digit by digit.
-#include "numbers/decimal_limbs.h"
+#include "numbers/bignum/decimal_limbs.h"
 
 #include <cstdlib>
 #include <cstring>
 
 #include "terms/failure.h"
-#include "numbers/decimal_simd.h"
+#include "numbers/bignum/decimal_simd.h"
 
 namespace tarn {
 

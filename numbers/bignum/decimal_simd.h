@@ -9,7 +9,7 @@
 
 #include <cstddef>
 
-#include "numbers/decimal_limbs.h"
+#include "numbers/bignum/decimal_limbs.h"
 
 namespace tarn {
 

@@ -4,7 +4,7 @@
 // The raw routines work on limb arrays (pointer and length) so that the
 // recursive multiplication can write into parts of one result buffer; the
 // public functions wrap them and normalise.
-#include "numbers/binary.h"
+#include "numbers/bignum/binary.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,13 +1,13 @@
 // The operations on hint texts: signs and edge rules here, magnitudes in the
 // limb kernels. Every operation first tries the machine-word path, since
 // nearly all numbers a program meets are short.
-#include "numbers/decimal.h"
+#include "numbers/bignum/decimal.h"
 
 #include <cmath>
 #include <cstring>
 
 #include "terms/failure.h"
-#include "numbers/decimal_limbs.h"
+#include "numbers/bignum/decimal_limbs.h"
 
 namespace tarn {
 

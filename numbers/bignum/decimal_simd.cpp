@@ -5,7 +5,7 @@
 // Writing splits every limb into halves of four digits, then each half into
 // pairs and each pair into digits, with multiply-high by reciprocals that are
 // exact for the lane's range.
-#include "numbers/decimal_simd.h"
+#include "numbers/bignum/decimal_simd.h"
 
 #include <immintrin.h>
 

@@ -12,7 +12,7 @@
 #include <algorithm>
 
 #include "terms/failure.h"
-#include "numbers/binary.h"
+#include "numbers/bignum/binary.h"
 
 namespace tarn {
 

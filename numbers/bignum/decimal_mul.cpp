@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "terms/failure.h"
-#include "numbers/decimal_limbs.h"
-#include "numbers/decimal_simd.h"
+#include "numbers/bignum/decimal_limbs.h"
+#include "numbers/bignum/decimal_simd.h"
 
 namespace tarn {
 

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "numbers/decimal.h"
-#include "numbers/decimal_limbs.h"
-#include "numbers/decimal_simd.h"
+#include "numbers/bignum/decimal.h"
+#include "numbers/bignum/decimal_limbs.h"
+#include "numbers/bignum/decimal_simd.h"
 
 namespace tarn {
 namespace {

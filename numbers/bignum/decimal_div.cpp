@@ -12,7 +12,7 @@
 #include <cstring>
 
 #include "terms/failure.h"
-#include "numbers/decimal_limbs.h"
+#include "numbers/bignum/decimal_limbs.h"
 
 namespace tarn {
 
