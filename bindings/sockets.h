@@ -59,10 +59,6 @@ static_assert(sizeof(LanguageFdSet) == 520, "the language's fd_set is 520 bytes"
 // that is no integer gives Z.
 Term fdSetInsert(const Term& socket, const Term& set);
 
-// gethostname through a plain function: the host's declaration carries
-// attributes that a template argument cannot keep.
-inline int hostGethostname(char* name, size_t length) { return ::gethostname(name, length); }
-
 // The process-wide buffer of `gai_strerror`, in 16-bit units.
 inline constexpr size_t kGaiBufferUnits = 1024;
 
@@ -78,7 +74,7 @@ inline constexpr auto kSocketBuiltins = std::to_array<Builtin>({
     special("freeaddrinfo", 1, handleFreeaddrinfo, Memory::kWrites),
     special("gai_strerror", 1, handleGaiStrerror, Memory::kWrites),
     special("getaddrinfo", 4, handleGetaddrinfo, Memory::kWrites),
-    host<hostGethostname>("gethostname", {ArgTest::kInteger, ArgTest::kInteger}, Result::kSigned),
+    host<::gethostname>("gethostname", {ArgTest::kInteger, ArgTest::kInteger}, Result::kSigned),
     host<::getnameinfo>("getnameinfo",
                         {ArgTest::kInteger, ArgTest::kInteger, ArgTest::kInteger, ArgTest::kInteger,
                          ArgTest::kInteger, ArgTest::kInteger, ArgTest::kInteger},
