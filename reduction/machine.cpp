@@ -132,18 +132,10 @@ void step(Machine& m) {
       contract(m);
       return;
     }
-    // Rule 5a: a wing is strict in its bound value, lazy in its body.
+    // Rule 5a: a wing is strict in its bound value, lazy in its body; the
+    // wing rule of `contract` brings the value first.
     if (spineShape(m.control) == Shape::kWing) {
-      const Term& v = m.control.left().right();
-      if (isValue(v)) {
-        contract(m);
-        return;
-      }
-      const Term& p = m.control.left().left().right();
-      Term binder = App2(leafByte('\\'), p, m.control.right());  // (\ p c)
-      Term value = v;
-      pushFunction(m, std::move(binder));
-      m.control = std::move(value);
+      contract(m);
       return;
     }
     // Rules 5b and 5c: function part first, then the argument.
@@ -171,6 +163,60 @@ void step(Machine& m) {
   else descendLeft(m);
 }
 
+namespace {
+
+// What the head of a saturated redex is, in the order in which the kinds are
+// tested: a builtin name first (so no rewrite rule ever sees one), then the
+// compact leaves and binding forms, and anything else last as a global name.
+enum class Head : uint8_t {
+  kBuiltin,    // a word naming a builtin: its handler gets the application
+  kVector,     // a vector leaf
+  kWing,       // the leaf "{"
+  kBinder,     // the leaf backslash
+  kNumber,     // a number leaf
+  kData,       // closed bracket data (state '@')
+  kBlob,       // a blob leaf "("
+  kReal,       // a real leaf (first byte blank)
+  kMemo,       // ")name": the memo write-back
+  kUndefined,  // "]name": the undefined-name marker
+  kGlobal,     // any other name
+};
+
+Head classifyHead(const Term& head, const Builtin*& builtin) {
+  unsigned char c = head.first();
+  if (head.isLeaf() && isWordByte(c)) {
+    builtin = slotOfLeaf(head).builtin;
+    if (builtin) return Head::kBuiltin;
+  }
+  if (head.isLeaf()) {
+    if (c == '\n') return Head::kVector;
+    if (isByteLeaf(head, '{')) return Head::kWing;
+    if (isByteLeaf(head, '\\')) return Head::kBinder;
+    if (isDigit(c)) return Head::kNumber;
+  }
+  if (head.node()->isData()) return Head::kData;
+  switch (c) {
+    case '(': return Head::kBlob;
+    case ' ': return Head::kReal;
+    case ')': return Head::kMemo;
+    case ']': return Head::kUndefined;
+    default: return Head::kGlobal;
+  }
+}
+
+// A builtin's handler gets the whole application. A result that applies a
+// ")" or "]" marker ends the evaluation: the continuation is dropped.
+void fireBuiltin(Machine& m, const Builtin& b, const Term& x) {
+  Term r = callBuiltin(b, x);
+  if (b.writesMemory) advanceMemoryEpoch();
+  if (r.isApp() && r.left().isLeaf() && (r.left().first() == ')' || r.left().first() == ']'))
+    endWith(m, std::move(r));
+  else
+    m.control = std::move(r);
+}
+
+}  // namespace
+
 void contract(Machine& m) {
   Term x = std::move(m.control);  // held until the rule has built its result
   Node* xn = x.node();
@@ -190,37 +236,21 @@ void contract(Machine& m) {
   }
   for (int i = 0, j = argc - 1; i < j; i++, j--) std::swap(args[i], args[j]);
   const Term& head = *h;
-  unsigned char c = head.first();
 
-  // Builtins are words; their handlers get the whole application.
-  if (head.isLeaf() && isWordByte(c)) {
-    GlobalSlot& slot = slotOfLeaf(head);
-    if (const Builtin* b = slot.builtin) {
-      Term r = callBuiltin(*b, x);
-      if (b->writesMemory) advanceMemoryEpoch();
-      if (r.isApp() && r.left().isLeaf() && (r.left().first() == ')' || r.left().first() == ']'))
-        endWith(m, std::move(r));
-      else
-        m.control = std::move(r);
-      return;
-    }
-    fireGlobal(m, head, args, argc);
-    return;
-  }
-
-  if (head.isLeaf()) {
-    if (c == '\n') return fireVectorAccess(m, head, *args[0]);
-    if (isByteLeaf(head, '{')) return fireWing(m, *args[0], *args[1], *args[2]);
-    if (isByteLeaf(head, '\\')) return fireBinder(m, *args[0], *args[1], *args[2]);
-    if (isDigit(c)) return fireNumber(m, head);
-  }
-  if (head.node()->isData()) return fireData(m, head, *args[0]);
-  switch (c) {
-    case '(': return fireBlob(m, head);
-    case ' ': return fireReal(m, head, *args[0]);
-    case ')': return fireMemo(m, head, *args[0]);
-    case ']': return fireUndefined(m, *args[0]);
-    default: return fireGlobal(m, head, args, argc);
+  // One classification, then the rules in the order of `Head`.
+  const Builtin* builtin = nullptr;
+  switch (classifyHead(head, builtin)) {
+    case Head::kBuiltin: return fireBuiltin(m, *builtin, x);
+    case Head::kVector: return fireVectorAccess(m, head, *args[0]);
+    case Head::kWing: return fireWing(m, *args[0], *args[1], *args[2]);
+    case Head::kBinder: return fireBinder(m, *args[0], *args[1], *args[2]);
+    case Head::kNumber: return fireNumber(m, head);
+    case Head::kData: return fireData(m, head, *args[0]);
+    case Head::kBlob: return fireBlob(m, head);
+    case Head::kReal: return fireReal(m, head, *args[0]);
+    case Head::kMemo: return fireMemo(m, head, *args[0]);
+    case Head::kUndefined: return fireUndefined(m, *args[0]);
+    case Head::kGlobal: return fireGlobal(m, head, args, argc);
   }
 }
 

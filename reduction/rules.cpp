@@ -119,7 +119,9 @@ void fireVectorAccess(Machine& m, const Term& head, const Term& a1) {
   m.control = leafByte(elementOf(head, size_t(i)) ? 'K' : 'H');
 }
 
-// { p v c binds p to the value v in c: v is brought to a value first.
+// { p v c = c with v for p, once v is a value. Until then v becomes the
+// control with the binder (\ p c) waiting for it: the wing is strict in its
+// bound value and lazy in its body. This is the machine's only wing rule.
 void fireWing(Machine& m, const Term& p, const Term& v, const Term& c) {
   if (isValue(v)) {
     m.control = substitute(c, v, p.first());

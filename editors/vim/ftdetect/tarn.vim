@@ -1,0 +1,1 @@
+autocmd BufRead,BufNewFile *.tarn setfiletype tarn
