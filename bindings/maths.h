@@ -2,45 +2,74 @@
 //
 // Contract: each builtin of this family is one row of the table below; the
 // binding frame (bindings/frame.h) gives every plain row its tests, its one
-// host call and its result.
+// host call and its result. Every double parameter takes only a real (an
+// integer gives "Z": the program converts with `real` first), and the tests
+// run first to last, so `frexp` of a non-real gives "Z" before its address is
+// looked at. Results are the host's own, NaNs and errno included.
+//
+// Host differences kept out of the program's sight:
+//   - `labs` works on the low 32 bits (the host's long is 64-bit): it negates
+//     in 32 bits and sign-extends, so -2147483648 stays negative.
+//   - `rand` and `srand` are the system's own generator, the same on every
+//     host: the state starts at 1, each `rand` steps it to
+//     state * 214013 + 2531011 (mod 2^32) and returns bits 16..30;
+//     `rand_max` is 32767.
 #pragma once
 
 #include <array>
+#include <cmath>
+#include <cstdint>
 
 #include "bindings/frame.h"
 
 namespace tarn {
 
+namespace maths {
+
+using Unary = double (*)(double);
+using Binary = double (*)(double, double);
+
+// The whole 64-bit value's magnitude; the lowest value stays negative.
+int64_t absolute(int64_t value);
+// The magnitude of the low 32 bits, sign-extended.
+int64_t absoluteLow32(int64_t value);
+
+// The generator: `srand` sets the state, `rand` steps it.
+void seedRandom(uint32_t seed);
+int randomNext();
+
+}  // namespace maths
+
 inline constexpr auto kMathsBuiltins = std::to_array<Builtin>({
-    unwritten("abs", 1),
-    unwritten("acos", 1),
-    unwritten("asin", 1),
-    unwritten("atan", 1),
-    unwritten("ceil", 1),
-    unwritten("cos", 1),
-    unwritten("cosh", 1),
-    unwritten("erf", 1),
-    unwritten("erfc", 1),
-    unwritten("exp", 1),
-    unwritten("fabs", 1),
-    unwritten("floor", 1),
-    unwritten("fmod", 2),
-    unwritten("frexp", 2),
-    unwritten("hypot", 2),
-    unwritten("labs", 1),
-    unwritten("ldexp", 2),
-    unwritten("log", 1),
-    unwritten("modf", 2),
-    unwritten("nextafter", 2),
-    unwritten("pow", 2),
-    unwritten("rand", 0),
-    unwritten("rand_max", 0),
-    unwritten("sin", 1),
-    unwritten("sinh", 1),
-    unwritten("sqrt", 1),
-    unwritten("srand", 1),
-    unwritten("tan", 1),
-    unwritten("tanh", 1),
+    host<maths::absolute>("abs", {ArgTest::kInteger}, Result::kSigned),
+    host<maths::Unary(::acos)>("acos", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::asin)>("asin", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::atan)>("atan", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::ceil)>("ceil", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::cos)>("cos", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::cosh)>("cosh", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::erf)>("erf", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::erfc)>("erfc", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::exp)>("exp", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::fabs)>("fabs", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::floor)>("floor", {ArgTest::kReal}, Result::kReal),
+    host<maths::Binary(::fmod)>("fmod", {ArgTest::kReal, ArgTest::kReal}, Result::kReal),
+    host<static_cast<double (*)(double, int*)>(::frexp)>("frexp", {ArgTest::kReal, ArgTest::kInteger}, Result::kReal),
+    host<maths::Binary(::hypot)>("hypot", {ArgTest::kReal, ArgTest::kReal}, Result::kReal),
+    host<maths::absoluteLow32>("labs", {ArgTest::kInteger}, Result::kSigned),
+    host<static_cast<double (*)(double, int)>(::ldexp)>("ldexp", {ArgTest::kReal, ArgTest::kInteger}, Result::kReal),
+    host<maths::Unary(::log)>("log", {ArgTest::kReal}, Result::kReal),
+    host<static_cast<double (*)(double, double*)>(::modf)>("modf", {ArgTest::kReal, ArgTest::kInteger}, Result::kReal),
+    host<maths::Binary(::nextafter)>("nextafter", {ArgTest::kReal, ArgTest::kReal}, Result::kReal),
+    host<maths::Binary(::pow)>("pow", {ArgTest::kReal, ArgTest::kReal}, Result::kReal),
+    host<maths::randomNext>("rand", {}, Result::kSigned),
+    constant<32767>("rand_max", Memory::kWrites),
+    host<maths::Unary(::sin)>("sin", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::sinh)>("sinh", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::sqrt)>("sqrt", {ArgTest::kReal}, Result::kReal),
+    host<maths::seedRandom>("srand", {ArgTest::kInteger}, Result::kVoid),
+    host<maths::Unary(::tan)>("tan", {ArgTest::kReal}, Result::kReal),
+    host<maths::Unary(::tanh)>("tanh", {ArgTest::kReal}, Result::kReal),
 });
 
 }  // namespace tarn
