@@ -52,6 +52,9 @@ fi
 
 timeout 10 "$tarn" "$examples/echo-client.tarn" 127.0.0.1 "$port" "$message" > "$tmp/client.out" 2> "$tmp/client.err"
 client_status=$?
+# A client that failed may never have connected: the server would wait for
+# its time limit.
+[ $client_status = 0 ] || kill "$server" 2>/dev/null
 wait "$server"
 server_status=$?
 server=
