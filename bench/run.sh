@@ -56,3 +56,4 @@ case "$what" in
   numbers) numbers ;;
   all) machine; numbers ;;
 esac
+case "$what" in data|all) bench/data/run.sh ;; esac

@@ -31,11 +31,6 @@ namespace process {
 // The host's current errno, translated: the zero-arity call `errno`.
 int64_t currentErrorNumber();
 
-// Host signatures spelled out: the cast drops the library's attributes
-// (nonnull), which a template argument cannot carry.
-using Lookup = char* (*)(const char*);
-using Command = int (*)(const char*);
-
 }  // namespace process
 
 inline constexpr auto kProcessBuiltins = std::to_array<Builtin>({
@@ -56,9 +51,9 @@ inline constexpr auto kProcessBuiltins = std::to_array<Builtin>({
     constant<132>("eoverflow", Memory::kKeeps),
     host<process::currentErrorNumber>("errno", {}, Result::kSigned),
     constant<140>("ewouldblock", Memory::kWrites),
-    host<process::Lookup(::getenv)>("getenv", {ArgTest::kPointer}, Result::kSigned),
+    host<::getenv>("getenv", {ArgTest::kPointer}, Result::kSigned),
     host<::raise>("raise", {ArgTest::kInteger}, Result::kSigned),
-    host<process::Command(::system)>("system", {ArgTest::kPointer}, Result::kSigned),
+    host<::system>("system", {ArgTest::kPointer}, Result::kSigned),
 });
 
 }  // namespace tarn

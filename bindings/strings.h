@@ -53,29 +53,16 @@ char* errorText(int languageNumber);
 template <bool Unsigned>
 Term convertToLong(const Builtin& row, const Args& args);
 
-// Host signatures spelled out. The search functions are picked from their
-// C++ overloads; for the others the cast drops the library's attributes
-// (nonnull, pure), which a template argument cannot carry.
+// The search functions, picked from their C++ overloads.
 using Find = const char* (*)(const char*, int);
 using Search = const char* (*)(const char*, const char*);
-using TextToInt = int (*)(const char*);
-using TextToReal = double (*)(const char*);
-using TextToText = char* (*)(const char*);
-using Compare = int (*)(const char*, const char*);
-using CompareCounted = int (*)(const char*, const char*, size_t);
-using CopyCounted = char* (*)(char*, const char*, size_t);
-using LengthCounted = size_t (*)(const char*, size_t);
-using Span = size_t (*)(const char*, const char*);
-using ReadReal = double (*)(const char*, char**);
-using Tokens = char* (*)(char*, const char*);
-using TokensResumed = char* (*)(char*, const char*, char**);
 
 }  // namespace strings
 
 inline constexpr auto kStringBuiltins = std::to_array<Builtin>({
-    host<strings::TextToReal(::atof)>("atof", {ArgTest::kPointer}, Result::kReal),
-    host<strings::TextToInt(::atoi)>("atoi", {ArgTest::kPointer}, Result::kSigned),
-    host<strings::TextToInt(::atoi)>("atol", {ArgTest::kPointer}, Result::kSigned),
+    host<::atof>("atof", {ArgTest::kPointer}, Result::kReal),
+    host<::atoi>("atoi", {ArgTest::kPointer}, Result::kSigned),
+    host<::atoi>("atol", {ArgTest::kPointer}, Result::kSigned),
     host<strings::byteClass<::isalnum>>("isalnum", {ArgTest::kInteger}, Result::kTruth),
     host<strings::byteClass<::isalpha>>("isalpha", {ArgTest::kInteger}, Result::kTruth),
     host<strings::isAsciiLow32>("isascii", {ArgTest::kInteger}, Result::kTruth),
@@ -87,26 +74,26 @@ inline constexpr auto kStringBuiltins = std::to_array<Builtin>({
     host<strings::byteClass<::ispunct>>("ispunct", {ArgTest::kInteger}, Result::kTruth),
     host<strings::byteClass<::isspace>>("isspace", {ArgTest::kInteger}, Result::kTruth),
     host<strings::byteClass<::isupper>>("isupper", {ArgTest::kInteger}, Result::kTruth),
-    host<strings::Compare(::strcasecmp)>("strcasecmp", {ArgTest::kPointer, ArgTest::kPointer}, Result::kSigned),
+    host<::strcasecmp>("strcasecmp", {ArgTest::kPointer, ArgTest::kPointer}, Result::kSigned),
     host<strings::appendText>("strcat", {ArgTest::kInteger, ArgTest::kPointer}, Result::kSigned),
     host<strings::Find(::strchr)>("strchr", {ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
     host<strings::compareText>("strcmp", {ArgTest::kPointer, ArgTest::kPointer}, Result::kSigned),
     host<strings::copyText>("strcpy", {ArgTest::kInteger, ArgTest::kPointer}, Result::kSigned),
-    host<strings::TextToText(::strdup)>("strdup", {ArgTest::kPointer}, Result::kSigned),
+    host<::strdup>("strdup", {ArgTest::kPointer}, Result::kSigned),
     host<strings::errorText>("strerror", {ArgTest::kInteger}, Result::kSigned),
     host<strings::textLength>("strlen", {ArgTest::kPointer}, Result::kSigned, Memory::kKeeps),
-    host<strings::CompareCounted(::strncasecmp)>("strncasecmp", {ArgTest::kPointer, ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
-    host<strings::CopyCounted(::strncat)>("strncat", {ArgTest::kInteger, ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
-    host<strings::CompareCounted(::strncmp)>("strncmp", {ArgTest::kPointer, ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
-    host<strings::CopyCounted(::strncpy)>("strncpy", {ArgTest::kInteger, ArgTest::kInteger, ArgTest::kInteger}, Result::kSigned),
-    host<strings::LengthCounted(::strnlen)>("strnlen", {ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
+    host<::strncasecmp>("strncasecmp", {ArgTest::kPointer, ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
+    host<::strncat>("strncat", {ArgTest::kInteger, ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
+    host<::strncmp>("strncmp", {ArgTest::kPointer, ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
+    host<::strncpy>("strncpy", {ArgTest::kInteger, ArgTest::kInteger, ArgTest::kInteger}, Result::kSigned),
+    host<::strnlen>("strnlen", {ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
     host<strings::Search(::strpbrk)>("strpbrk", {ArgTest::kPointer, ArgTest::kPointer}, Result::kSigned),
     host<strings::Find(::strrchr)>("strrchr", {ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
-    host<strings::Span(::strspn)>("strspn", {ArgTest::kPointer, ArgTest::kPointer}, Result::kSigned),
+    host<::strspn>("strspn", {ArgTest::kPointer, ArgTest::kPointer}, Result::kSigned),
     host<strings::Search(::strstr)>("strstr", {ArgTest::kPointer, ArgTest::kPointer}, Result::kSigned),
-    host<strings::ReadReal(::strtod)>("strtod", {ArgTest::kPointer, ArgTest::kInteger}, Result::kReal),
-    host<strings::Tokens(::strtok)>("strtok", {ArgTest::kInteger, ArgTest::kPointer}, Result::kSigned),
-    host<strings::TokensResumed(::strtok_r)>("strtok_r", {ArgTest::kInteger, ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
+    host<::strtod>("strtod", {ArgTest::kPointer, ArgTest::kInteger}, Result::kReal),
+    host<::strtok>("strtok", {ArgTest::kInteger, ArgTest::kPointer}, Result::kSigned),
+    host<::strtok_r>("strtok_r", {ArgTest::kInteger, ArgTest::kPointer, ArgTest::kInteger}, Result::kSigned),
     special("strtol", 2, strings::convertToLong<false>, Memory::kWrites),
     special("strtoul", 2, strings::convertToLong<true>, Memory::kWrites),
     host<::toascii>("toascii", {ArgTest::kInteger}, Result::kSigned),

@@ -37,7 +37,7 @@ inline constexpr int kMaxArity = 7;
 // from the application.
 class Args {
  public:
-  Args(const Term& chain, int arity) : count_(arity) {
+  Args(const Term& chain, int arity) : chain_(&chain), count_(arity) {
     const Term* t = &chain;
     for (int i = arity - 1; i >= 0; i--) {
       items_[i] = &t->right();
@@ -47,7 +47,21 @@ class Args {
   const Term& operator[](int i) const { return *items_[i]; }
   int size() const { return count_; }
 
+  // True when argument i has no holder but this application: its node and
+  // every application node of the spine above it have a count of 1. Only
+  // then may a handler change the argument in place, since nothing else can
+  // see it. One comparison per spine node, no scan.
+  bool soleHeld(int i) const {
+    const Term* t = chain_;
+    for (int k = count_ - 1; k > i; k--) {
+      if (t->node()->count() != 1) return false;
+      t = &t->left();
+    }
+    return t->node()->count() == 1 && items_[i]->node()->count() == 1;
+  }
+
  private:
+  const Term* chain_;
   std::array<const Term*, kMaxArity> items_;  // the first count_ are set
   int count_;
 };

@@ -10,25 +10,32 @@ namespace tarn {
 namespace {
 
 // Blocks of a new leaf: header with the leaf bit and count 1, then the text
-// and a NUL.
-Node* newLeafNode(size_t textBytes) {
-  Node* n = allocLeafNode(textBytes + 1);
+// and a NUL, then `slack` zero bytes.
+Node* newLeafNode(size_t textBytes, size_t slack = 0) {
+  Node* n = allocLeafNode(textBytes + 1 + slack);
   n->header = (uint64_t(header::kFreshLeafTop) << header::kTopShift) | 1;
-  n->bytes()[textBytes] = 0;
+  std::memset(n->bytes() + textBytes, 0, 1 + slack);
   return n;
 }
 
 }  // namespace
 
 Term leaf(std::string_view text) {
-  Node* n = newLeafNode(text.size());
+  bool bracket = !text.empty() && text[0] == '[';
+  Node* n = newLeafNode(text.size(), bracket ? kBracketSlack : 0);
   if (!text.empty()) std::memcpy(n->bytes(), text.data(), text.size());
   unsigned char c = text.empty() ? 0 : static_cast<unsigned char>(text[0]);
   if ((isDigit(c) || c == '[') && text.size() < header::kSizeLimit) n->setSizeRaw(uint32_t(text.size()));
   return Term::adopt(n);
 }
 
-Term rawLeaf(size_t n) { return Term::adopt(newLeafNode(n)); }
+Term rawLeaf(size_t n) { return Term::adopt(newLeafNode(n, kBracketSlack)); }
+
+size_t leafCapacity(const Node* n) {
+  const LeafPrefix* pre = reinterpret_cast<const LeafPrefix*>(n) - 1;
+  if (pre->blockBytes == 0xffffffffu) return SIZE_MAX;  // a block too big to record
+  return pre->blockBytes - sizeof(LeafPrefix) - sizeof(Node);
+}
 
 void sealLeaf(const Term& t, size_t n) {
   unsigned char c = t.node()->bytes()[0];

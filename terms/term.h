@@ -115,11 +115,24 @@ inline Term Term::call2(Term b, Term c) const { return App2(*this, std::move(b),
 
 // A leaf of exactly these bytes (embedded NULs kept), NUL-terminated in the
 // same allocation. Number and bracket leaves get their length in `size`.
+// A bracket literal also gets the slack below.
 Term leaf(std::string_view text);
 // A leaf of n text bytes that the caller fills at once, before anything reads
 // it; `sealLeaf` then records the length of a number or bracket text in
-// `size`, as `leaf` does.
+// `size`, as `leaf` does. Since the text may become a bracket literal, a raw
+// leaf always carries the slack below.
 Term rawLeaf(size_t n);
+// Zero bytes that a bracket literal leaf carries behind its terminating NUL,
+// inside its own allocation. The in-place byte update of a solely held
+// literal addresses a byte up to 6 bytes past the NUL (an offset that
+// programs can see and that is kept); the slack keeps that write inside the
+// node, and its last bytes, never written, still end the text for readers
+// that stop at a NUL.
+inline constexpr size_t kBracketSlack = 8;
+// The bytes of a leaf's allocation from its first text byte on: the text, its
+// NUL and any slack (SIZE_MAX for a block of 4 GiB or more, whose size the
+// allocator does not record).
+size_t leafCapacity(const Node* n);
 inline unsigned char* rawBytes(const Term& t) { return t.node()->bytes(); }
 void sealLeaf(const Term& t, size_t n);
 // The leaf of one byte.

@@ -1,5 +1,5 @@
 // The process family: error numbers between the host's and the language's,
-// the environment, commands and the constants.
+// the environment and commands.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -36,15 +36,6 @@ TEST(ProcessRows, ErrnoIsTranslatedIntoTheLanguagesNumbers) {
   EXPECT_EQ(hostErrorNumber(140), EAGAIN);
   EXPECT_EQ(hostErrorNumber(132), EOVERFLOW);
   EXPECT_EQ(hostErrorNumber(22), EINVAL);
-}
-
-TEST(ProcessRows, ConstantsKeepTheLanguagesValues) {
-  const std::pair<std::string_view, std::string_view> rows[] = {
-      {"eacces", "13"}, {"ebadf", "9"},   {"econnaborted", "106"}, {"efault", "14"},     {"eintr", "4"},
-      {"einval", "22"}, {"eio", "5"},     {"emfile", "24"},        {"enfile", "23"},     {"enodev", "19"},
-      {"enomem", "12"}, {"enotsock", "128"}, {"enxio", "6"},       {"eopnotsupp", "130"}, {"eoverflow", "132"},
-      {"ewouldblock", "140"}};
-  for (auto [name, value] : rows) EXPECT_EQ(text(call(name, {})), value) << name;
 }
 
 TEST(ProcessRows, GetenvReadsTheNameWithItsBrackets) {

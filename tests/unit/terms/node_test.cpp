@@ -120,5 +120,19 @@ TEST(Node, MillionCellListAndChainReleaseSafely) {
   SUCCEED();
 }
 
+TEST(Node, BracketLiteralsCarrySlackBehindTheirNul) {
+  // An in-place update may address up to 7 bytes past a literal's NUL; they
+  // must lie inside the node, with a NUL still behind them.
+  for (std::string_view text : {"[]", "[a]", "[abcdefghijklmnop]", "[[a][b]]"}) {
+    Term t = leaf(text);
+    ASSERT_GE(leafCapacity(t.node()), text.size() + 1 + kBracketSlack) << text;
+    for (size_t i = text.size(); i < text.size() + 1 + kBracketSlack; i++) EXPECT_EQ(t.node()->bytes()[i], 0) << text;
+  }
+  Term raw = rawLeaf(5);  // may be filled as a literal
+  EXPECT_GE(leafCapacity(raw.node()), 5 + 1 + kBracketSlack);
+  EXPECT_EQ(raw.node()->bytes()[5 + kBracketSlack], 0);
+  EXPECT_GE(leafCapacity(leaf("abc").node()), 4u);  // other leaves: text and NUL
+}
+
 }  // namespace
 }  // namespace tarn
