@@ -1,15 +1,16 @@
-// Run-time compilation as builtins: `road` and `load`.
+// Run-time compilation as builtins: `road` and `load` (checks/runtime_compile.h).
 #pragma once
 
 #include <array>
 
+#include "checks/runtime_compile.h"
 #include "runtime/builtins.h"
 
 namespace tarn {
 
 inline constexpr auto kCompileBuiltins = std::to_array<Builtin>({
-    unwritten("load", 1, Memory::kKeeps),
-    unwritten("road", 1, Memory::kKeeps),
+    special("load", 1, handleLoad, Memory::kKeeps),
+    special("road", 1, handleRoad, Memory::kKeeps),
 });
 
 }  // namespace tarn

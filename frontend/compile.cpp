@@ -66,10 +66,10 @@ std::vector<Piece> piecesAfterCommas(std::string_view text, const std::vector<lo
   return pieces;
 }
 
-// Stores the definition of one piece. Returns false with the report filled
-// when the name may not be defined; anything that is no definition of a
-// definable name is ignored.
-bool define(std::string_view text, Piece piece, Report& report) {
+// Reads the definition of one piece. Returns false with the report filled
+// when the name may not be defined; a piece that is no definition of a
+// definable name adds nothing.
+bool define(std::string_view text, Piece piece, BuiltWording wording, ProgramText& out) {
   Term t = parseExpression(text.substr(piece.begin, piece.end - piece.begin));
   Binder binder;
   if (!asBinder(t, binder)) return true;
@@ -82,6 +82,7 @@ bool define(std::string_view text, Piece piece, Report& report) {
 
   bool lower = name.size() == 1 && isLower(static_cast<unsigned char>(name[0]));
   if (lower || name == "\\" || name == "{" || findBuiltin(name)) {
+    Report& report = out.report;
     size_t first = piece.begin;  // the piece's first byte that is not a space
     while (first < piece.end && text[first] == ' ') first++;
     report.vip = positionText(long(first));
@@ -91,15 +92,16 @@ bool define(std::string_view text, Piece piece, Report& report) {
                    ") cannot be defined as global variables.";
       report.tag = "lower";
     } else {
-      report.say = "Built in function [" + std::string(name) + "] cannot be re-defined.";
+      report.say = wording == BuiltWording::kBracketed
+                       ? "Built in function [" + std::string(name) + "] cannot be re-defined."
+                       : "Built in function " + std::string(name) + " cannot be re-defined.";
       report.tag = "built";
     }
     return false;
   }
   // A call form is wrapped in I and never memoised; a plain form drops the mark.
-  if (callForm) setGlobal(name, App(leafByte('I'), *binder.rest));
-  else setGlobal(name, *binder.rest);
-  setCallForm(name, callForm);
+  Term body = callForm ? App(leafByte('I'), *binder.rest) : *binder.rest;
+  out.definitions.push_back({std::string(name), std::move(body), callForm});
   return true;
 }
 
@@ -119,6 +121,16 @@ void loadPrelude() {
   snapshotPreludeGlobals();
 }
 
+ProgramText readProgramText(std::string_view text, BuiltWording wording) {
+  ProgramText out;
+  std::vector<long> commas = splitPoints(text, ",");
+  size_t mainEnd = commas.empty() ? text.size() : size_t(commas[0]);
+  out.main = parseExpression(text.substr(0, mainEnd));
+  for (Piece piece : piecesAfterCommas(text, commas))
+    if (!define(text, piece, wording, out)) break;
+  return out;
+}
+
 Report compile(std::string_view source) {
   Report report;
   long position = 0;
@@ -126,12 +138,13 @@ Report compile(std::string_view source) {
   for (const Builtin& b : builtinTable()) setGlobal(b.name, builtinStub(b.arity));
 
   std::string text = normalise(source);
-  std::vector<long> commas = splitPoints(text, ",");
-  size_t mainEnd = commas.empty() ? text.size() : size_t(commas[0]);
-  setGlobal("", parseExpression(std::string_view(text).substr(0, mainEnd)));
-  for (Piece piece : piecesAfterCommas(text, commas))
-    if (!define(text, piece, report)) break;
-  return report;
+  ProgramText program = readProgramText(text, BuiltWording::kBracketed);
+  setGlobal("", std::move(program.main));
+  for (PieceDefinition& d : program.definitions) {
+    setGlobal(d.name, std::move(d.body));
+    setCallForm(d.name, d.callForm);
+  }
+  return std::move(program.report);
 }
 
 Term mainTerm() {

@@ -14,7 +14,9 @@
 // must exist (fatal assertion otherwise).
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "runtime/report.h"
 #include "terms/term.h"
@@ -24,5 +26,26 @@ namespace tarn {
 void loadPrelude();
 Report compile(std::string_view source);
 Term mainTerm();
+
+// The pieces of a normalised program text, shared by the start-up compile
+// and run-time compilation: the main expression (the text before the first
+// comma) and the definitions behind the commas, in source order, up to the
+// first refused name. Then the report tells the refusal ("lower", "built");
+// the definitions before it are kept. A later definition of a name wins when
+// they are stored in order. A call form's body is already wrapped in I.
+struct PieceDefinition {
+  std::string name;  // plain name
+  Term body;
+  bool callForm;
+};
+struct ProgramText {
+  Term main;
+  std::vector<PieceDefinition> definitions;
+  Report report;  // tag "check" when no name was refused
+};
+// The start-up message writes a refused builtin's name in brackets; the
+// run-time one writes it bare.
+enum class BuiltWording { kBracketed, kBare };
+ProgramText readProgramText(std::string_view normalisedText, BuiltWording wording);
 
 }  // namespace tarn

@@ -1,0 +1,108 @@
+// Run-time compilation: the source text of each kind, what a commit leaves in
+// the tables, and what stays canonical. The golden programs in
+// tests/programs/road show each failure's banner, load's Z and the values.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "checks/run.h"
+#include "checks/runtime_compile.h"
+#include "frontend/compile.h"
+#include "reduction/canonical.h"
+#include "runtime/globals.h"
+#include "tests/unit/frontend/tree_dump.h"
+
+namespace tarn {
+namespace {
+
+using testing::treeOf;
+
+// The state of a running program: prelude, checks and a finished run.
+void startedProgram(std::string_view source = "a\\0") {
+  loadPrelude();
+  ASSERT_TRUE(compile(source).ok());
+  ASSERT_TRUE(checkAndRun(0).ok());
+}
+
+std::string sourceOf(const Term& t) {
+  std::optional<std::string> s = sourceTextOf(t);
+  return s ? "<" + *s + ">" : "none";
+}
+
+TEST(RuntimeCompile, SourceTextByKind) {
+  startedProgram();
+  EXPECT_EQ(sourceOf(blobLeaf(std::string("1,\0x", 4))), std::string("<1,\0x>", 6));  // bytes as they are
+  EXPECT_EQ(sourceOf(leaf("05")), "<05>");
+  // An integer cell spells its decimal text: the list K K H is a hint, plus,
+  // magnitude bits 0 then the implied top bit: 2.
+  Term two = App2(leafByte('J'), leafByte('K'),
+                  App2(leafByte('J'), leafByte('K'), App2(leafByte('J'), leafByte('H'), leafByte('K'))));
+  EXPECT_EQ(sourceOf(two), "<2>");
+  EXPECT_EQ(sourceOf(App2(leafByte('J'), leafByte('K'), leafByte('Z'))), "none");  // no list
+  // Bracket data, a leaf or a tree not yet flattened, loses its outer
+  // brackets; (L R) is the list L with the element R appended.
+  EXPECT_EQ(sourceOf(leaf("[a[b]]")), "<a[b]>");
+  EXPECT_EQ(sourceOf(App(leaf("[ab]"), leaf("[[c]]"))), "<ab[[c]]>");
+  EXPECT_EQ(sourceOf(vectorLeaf(2)), "<>");
+  EXPECT_EQ(sourceOf(leaf("003")), "none");
+  EXPECT_EQ(sourceOf(realLeaf(1.0)), "none");
+  EXPECT_EQ(sourceOf(leafByte('I')), "none");
+}
+
+TEST(RuntimeCompile, CommitAddsCallFormsAndAdvancesVersions) {
+  startedProgram();
+  uint32_t before = slotOf("nn").version;
+  Term r = compileAtRunTime("nn+1,nn()\\4,pp\\5,pp()\\6", CompileMode::kRoad);
+  EXPECT_EQ(treeOf(r), "5");
+  EXPECT_NE(slotOf("nn").version, before);
+  EXPECT_TRUE(isCallForm("nn"));
+  // The later form of a name wins, and with it the mark.
+  EXPECT_TRUE(isCallForm("pp"));
+  EXPECT_EQ(treeOf(*findGlobal("pp")), "(I 6)");
+  compileAtRunTime("0,qq()\\1,qq\\2", CompileMode::kRoad);
+  EXPECT_FALSE(isCallForm("qq"));
+  EXPECT_EQ(treeOf(*findGlobal("qq")), "2");
+}
+
+TEST(RuntimeCompile, FailuresBeforeTheCommitLeaveGlobalsAlone) {
+  startedProgram();
+  // Alive fails on the main expression; nothing of the text is stored.
+  Term r = compileAtRunTime("qq,rr\\1,ss\\undefined_y", CompileMode::kRoad);
+  ASSERT_TRUE(r.isApp());
+  EXPECT_EQ(treeOf(r.left()), "[]]");
+  Report carried = reportFromText(textOf(r.right()));
+  EXPECT_EQ(carried.tag, "alive");
+  EXPECT_EQ(carried.say, "Alive function TOP references undefined function qq.");
+  EXPECT_EQ(findGlobal("rr"), nullptr);
+  // A dead new definition that reaches an undefined name is dropped; the
+  // others are committed.
+  EXPECT_EQ(treeOf(compileAtRunTime("1,rr\\ss,ss\\undefined_y,tt\\2", CompileMode::kLoad)), "1");
+  EXPECT_EQ(findGlobal("rr"), nullptr);
+  EXPECT_EQ(findGlobal("ss"), nullptr);
+  EXPECT_NE(findGlobal("tt"), nullptr);
+}
+
+TEST(RuntimeCompile, OnlyValuesStayCanonical) {
+  startedProgram();
+  compileAtRunTime("0,aa\\[uv] K,bb\\x\\[uv] K x", CompileMode::kRoad);
+  EXPECT_TRUE(findGlobal("aa")->same(findGlobal("bb")->right().left()));
+  EXPECT_TRUE(isSeen(leaf("[uv]")));
+  EXPECT_FALSE(isSeen(App(leaf("[uv]"), leafByte('K'))));
+  // load makes the same sharing, and drops the same non-values.
+  compileAtRunTime("0,cc\\[wz] K,dd\\x\\[wz] K x", CompileMode::kLoad);
+  EXPECT_TRUE(findGlobal("cc")->same(findGlobal("dd")->right().left()));
+  EXPECT_TRUE(isSeen(leaf("[wz]")));
+  EXPECT_FALSE(isSeen(App(leaf("[wz]"), leafByte('K'))));
+}
+
+TEST(RuntimeCompile, LongLocalsTakeFreeLettersBeforeTheChecksThatFollow) {
+  startedProgram();
+  // Places run before the funky keys here: the binder over "1" takes the
+  // letter a and is no longer funky.
+  EXPECT_EQ(treeOf(compileAtRunTime("(1\\0)5", CompileMode::kRoad)), "0");
+  EXPECT_EQ(treeOf(compileAtRunTime("ee 3,ee\\long\\long*2", CompileMode::kRoad)), "6");
+  EXPECT_EQ(treeOf(*findGlobal("ee")), "(([\\] a) (([*] a) 2))");
+}
+
+}  // namespace
+}  // namespace tarn
