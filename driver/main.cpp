@@ -3,6 +3,9 @@
 
 #include "driver/driver.h"
 #include "driver/stack.h"
+#ifdef TARN_NO_FAST_PATHS
+#include "reduction/direct.h"
+#endif
 #ifdef TARN_STATS
 #include <cinttypes>
 
@@ -11,6 +14,9 @@
 
 int main(int argc, char** argv) {
   int32_t status = 0;
+#ifdef TARN_NO_FAST_PATHS
+  tarn::setFastPaths(false);  // the test build that compares against the plain machine
+#endif
   tarn::runWithLargeStack([&] { status = tarn::runDriver(argc, argv); });
   std::fflush(stdout);
 #ifdef TARN_STATS
