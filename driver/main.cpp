@@ -9,6 +9,7 @@
 #ifdef TARN_STATS
 #include <cinttypes>
 
+#include "reduction/direct.h"
 #include "reduction/machine.h"
 #endif
 
@@ -21,6 +22,7 @@ int main(int argc, char** argv) {
   std::fflush(stdout);
 #ifdef TARN_STATS
   std::fprintf(stderr, "steps %" PRIu64 "\n", tarn::machineSteps());
+  std::fprintf(stderr, "direct %" PRIu64 " declined %" PRIu64 "\n", tarn::directCalls(), tarn::directDeclined());
 #endif
   return status;
 }

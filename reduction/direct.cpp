@@ -27,6 +27,7 @@ namespace tarn {
 namespace {
 
 bool gFastPaths = true;
+uint64_t callsTaken = 0, callsDeclined = 0;
 
 // Integers the evaluator holds as words: below 10^17 in magnitude, so that a
 // sum or difference of two never overflows, and every result is a leaf of at
@@ -307,7 +308,9 @@ void compile(GlobalSlot& s, DirectCode& d) {
   d.reads.emplace_back(&s, s.version);
   d.stamp = globalsStamp();
   d.epoch = memoryEpoch();
-  if (!s.value || s.callForm || s.builtin) return;
+  // Only a lower-case word is sure to be strict: a capital or an operator
+  // byte may be a lazy head, fired on arguments that are not values.
+  if (!s.value || s.callForm || s.builtin || s.name.size() < 2 || !isWordByte(uint8_t(s.name[0]))) return;
   unsigned char letters[10];
   const Term* body;
   d.params = peelParams(s.value, letters, body);
@@ -531,13 +534,17 @@ bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) 
   argTop = params;
   if (r.failed()) {
     d->runnable = false;  // not again until the definition changes
+    callsDeclined++;
     return false;
   }
+  callsTaken++;
   result = escape(r);
   return true;
 }
 
 void setFastPaths(bool on) { gFastPaths = on; }
 bool fastPaths() { return gFastPaths; }
+uint64_t directCalls() { return callsTaken; }
+uint64_t directDeclined() { return callsDeclined; }
 
 }  // namespace tarn

@@ -44,4 +44,9 @@ bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result);
 void setFastPaths(bool on);
 bool fastPaths();
 
+// Calls taken directly and attempts abandoned, since start (for the
+// benchmarks and tests).
+uint64_t directCalls();
+uint64_t directDeclined();
+
 }  // namespace tarn
