@@ -15,6 +15,7 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -93,7 +94,25 @@ const Val kFailed{0, nullptr, How::kFailed};
 
 }  // namespace
 
+// An instantiation template: the application nodes of a definition's body
+// that hold a parameter, in the order they are built (children first). A
+// source is a node of the body, shared, an argument, or a node built earlier.
+struct Source {
+  enum Kind : uint8_t { kShared, kArgument, kBuilt } kind;
+  uint32_t index;  // the argument or built node; unused when shared
+  Node* node;      // kShared: held through the definition's value
+};
+struct BuildStep {
+  Source left, right;
+};
+
 struct DirectCode {
+  // Instantiation of the body by its template, where it has one.
+  bool templated = false;
+  int templateParams = 0;
+  Source templateRoot{};
+  std::vector<BuildStep> steps;
+
   uint32_t stamp = 0;  // globals' stamp and memory epoch last checked against
   uint32_t epoch = 0;
   std::vector<std::pair<GlobalSlot*, uint32_t>> reads;  // slots and their versions
@@ -298,7 +317,64 @@ class Compiler {
 };
 
 // Compiles the definition of s into d (whose earlier code is dropped).
+// The template of a body: what substitution would rebuild, in advance. A
+// body with a binder or wing on the way to a parameter has none (its
+// shadowing is left to substitution).
+class TemplateBuilder {
+ public:
+  TemplateBuilder(DirectCode& out, const unsigned char* letters, int params) : out_(out) {
+    for (int i = params; i-- > 0;) {  // the first parameter of a letter wins
+      argOf_[letters[i] - 'a'] = i;
+      mask_ |= 1u << (letters[i] - 'a');
+    }
+  }
+
+  bool source(const Term& t, Source& out) {
+    annotate(t);
+    const Node* n = t.node();
+    if ((freeSetAnnotated(n) & mask_) == 0) {
+      out = {Source::kShared, 0, t.node()};
+      return true;
+    }
+    if (n->isLeaf()) {
+      out = {Source::kArgument, uint32_t(argOf_[n->bytes()[0] - 'a']), nullptr};
+      return true;
+    }
+    Shape shape = t.left().isApp() ? spineShape(t) : Shape::kOther;
+    if (shape != Shape::kOther) return false;
+    BuildStep step;
+    if (!source(t.right(), step.right) || !source(t.left(), step.left)) return false;
+    if (out_.steps.size() >= kMaxSteps) return false;
+    out_.steps.push_back(step);
+    out = {Source::kBuilt, uint32_t(out_.steps.size() - 1), nullptr};
+    return true;
+  }
+
+  static constexpr size_t kMaxSteps = 64;
+
+ private:
+  DirectCode& out_;
+  int argOf_[26] = {};
+  uint32_t mask_ = 0;
+};
+
+void buildTemplate(GlobalSlot& s, DirectCode& d) {
+  d.steps.clear();
+  d.templated = false;
+  if (!s.value || s.builtin) return;
+  unsigned char letters[10];
+  const Term* body;
+  int params = peelParams(s.value, letters, body);
+  if (params < 1) return;
+  annotate(*body);  // as the machine's first substitution would
+  d.templateParams = params;
+  TemplateBuilder b(d, letters, params);
+  d.templated = b.source(*body, d.templateRoot);
+  if (!d.templated) d.steps.clear();
+}
+
 void compile(GlobalSlot& s, DirectCode& d) {
+  buildTemplate(s, d);
   d.code.clear();
   d.callArgs.clear();
   d.reads.clear();
@@ -322,10 +398,17 @@ void compile(GlobalSlot& s, DirectCode& d) {
   d.runnable = d.root >= 0;
 }
 
+DirectCode* refreshCode(GlobalSlot& s);
+
 // The code of s, valid for the present globals and memory.
-DirectCode* codeOf(GlobalSlot& s) {
+inline DirectCode* codeOf(GlobalSlot& s) {
   DirectCode* d = s.direct;
   if (d && d->stamp == globalsStamp() && d->epoch == memoryEpoch()) [[likely]] return d;
+  return refreshCode(s);
+}
+
+[[gnu::noinline]] DirectCode* refreshCode(GlobalSlot& s) {
+  DirectCode* d = s.direct;
   if (!d) {
     d = s.direct = new DirectCode;  // lives as long as the slot
     compile(s, *d);
@@ -413,6 +496,19 @@ bool reserveArguments() {
   return true;
 }
 
+Val eval(const DirectCode* d, int32_t at, const Val* params);
+
+// An operand: parameters and literals are read here, without a frame.
+inline Val operand(const DirectCode* d, int32_t at, const Val* params) {
+  const Instr& in = d->code[size_t(at)];
+  switch (in.kind) {
+    case Expr::kParam: return params[in.word];
+    case Expr::kInteger: return Val(in.word, in.node, How::kInteger);
+    case Expr::kLiteral: return Val(0, in.node, How::kNode);
+    default: return eval(d, at, params);
+  }
+}
+
 // The value of instruction `at` of d with the given parameters. Calls in
 // tail position (a branch, a definition's body) continue in this frame.
 Val eval(const DirectCode* d, int32_t at, const Val* params) {
@@ -429,21 +525,30 @@ Val eval(const DirectCode* d, int32_t at, const Val* params) {
       case Expr::kInteger: r = Val(in.word, in.node, How::kInteger); break;
       case Expr::kLiteral: r = Val(0, in.node, How::kNode); break;
       case Expr::kArith: {
-        Val x = eval(d, in.a, params);
+        Val x = operand(d, in.a, params);
         if (!x.isWord()) { r = kFailed; break; }
-        Val y = eval(d, in.b, params);
+        Val y = operand(d, in.b, params);
         r = y.isWord() ? arith(Arith(in.op), x.word(), y.word()) : kFailed;
         break;
       }
       case Expr::kCompare: {
-        Val x = eval(d, in.a, params);
+        Val x = operand(d, in.a, params);
         if (x.failed()) { r = kFailed; break; }
-        Val y = eval(d, in.b, params);
+        Val y = operand(d, in.b, params);
         r = y.failed() ? kFailed : compare(Compare(in.op), x, y);
         break;
       }
       case Expr::kChoice: {
-        Val c = eval(d, in.a, params);
+        // A comparison chooses the branch at once, with no value made.
+        const Instr& test = d->code[size_t(in.a)];
+        Val c;
+        if (test.kind == Expr::kCompare) {
+          Val x = operand(d, test.a, params);
+          Val y = x.failed() ? x : operand(d, test.b, params);
+          c = y.failed() ? y : compare(Compare(test.op), x, y);
+        } else {
+          c = eval(d, in.a, params);
+        }
         How how = c.how();
         if (how == How::kNode) {
           const Node* n = c.node();
@@ -460,7 +565,7 @@ Val eval(const DirectCode* d, int32_t at, const Val* params) {
         argTop += in.argc;
         bool ok = true;
         for (int i = 0; i < in.argc && ok; i++) {
-          args[i] = eval(d, d->callArgs[size_t(in.a + i)], params);
+          args[i] = operand(d, d->callArgs[size_t(in.a + i)], params);
           ok = !args[i].failed();
         }
         DirectCode* callee = codeOf(*in.callee);
@@ -486,18 +591,32 @@ Val eval(const DirectCode* d, int32_t at, const Val* params) {
 }
 
 // The integer's leaf, as the number builtins write it: "0" before the digits
-// of a negative value.
+// of a negative value. Digits are written in pairs, from the back.
 Term wordLeaf(int64_t v) {
+  static constexpr char kPairs[] =
+      "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
+      "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
   char buf[24];
   char* end = buf + sizeof buf;
   char* p = end;
   uint64_t m = v < 0 ? 0 - uint64_t(v) : uint64_t(v);
-  do {
-    *--p = char('0' + m % 10);
-    m /= 10;
-  } while (m != 0);
+  while (m >= 100) {
+    p -= 2;
+    std::memcpy(p, kPairs + 2 * (m % 100), 2);
+    m /= 100;
+  }
+  if (m >= 10) {
+    p -= 2;
+    std::memcpy(p, kPairs + 2 * m, 2);
+  } else {
+    *--p = char('0' + m);
+  }
   if (v < 0) *--p = '0';
-  return leaf(std::string_view(p, size_t(end - p)));
+  size_t n = size_t(end - p);
+  Term t = rawLeaf(n);
+  std::memcpy(rawBytes(t), p, n);
+  sealLeaf(t, n);
+  return t;
 }
 
 // The node a value becomes when it leaves the evaluator.
@@ -521,7 +640,7 @@ bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) 
   if (!gFastPaths) return false;
   DirectCode* d = codeOf(s);
   if (!d->runnable || d->params != argc) return false;
-  if (!reserveArguments()) return false;
+  if (!argBase && !reserveArguments()) [[unlikely]] return false;
   Val* params = argTop;
   argTop += argc;
   for (int i = 0; i < argc; i++) {
@@ -539,6 +658,31 @@ bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) 
   }
   callsTaken++;
   result = escape(r);
+  return true;
+}
+
+bool instantiateDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) {
+  if (!gFastPaths) return false;
+  DirectCode* d = codeOf(s);
+  if (!d->templated) return false;
+  TARN_ASSERT(d->templateParams == argc);
+  Node* built[TemplateBuilder::kMaxSteps];  // each owned until taken once
+  auto take = [&](const Source& from) -> Term {
+    switch (from.kind) {
+      case Source::kShared: return Term::share(from.node);
+      case Source::kArgument: return *args[from.index];
+      default: return Term::adopt(built[from.index]);
+    }
+  };
+  size_t n = d->steps.size();
+  for (size_t i = 0; i < n; i++) {
+    const BuildStep& step = d->steps[i];
+    Term r = take(step.right);
+    Term t = App(take(step.left), std::move(r));
+    annotateSlow(t.node());  // as substitution annotates what it builds
+    built[i] = t.detach();
+  }
+  result = take(d->templateRoot);
   return true;
 }
 

@@ -39,6 +39,11 @@ namespace tarn {
 // parameters. False: not taken, nothing observable happened.
 bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result);
 
+// The body of s with the arguments for its parameters, built from a
+// template made once per definition: the same nodes, annotated alike, as
+// substitution gives. False where the definition has no template.
+bool instantiateDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result);
+
 // The fast paths of the machine are on in the product. The test build
 // `tarn_slow` turns them off to compare outputs with them on and off.
 void setFastPaths(bool on);

@@ -204,6 +204,7 @@ void fireGlobal(Machine& m, const Term& head, const Term* const* args, int argc)
     TARN_ASSERT(argc == int(s.params.size()));
     // First-order integer definitions run directly when they can.
     if (callDirect(s, args, argc, m.control)) return;
+    if (instantiateDirect(s, args, argc, m.control)) return;
     const Term* values[26];  // read only at the letters of mask
     uint32_t mask = 0;
     for (int i = 0; i < argc; i++) {

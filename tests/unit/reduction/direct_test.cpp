@@ -87,6 +87,50 @@ TEST_F(Direct_, ALazyCapitalIsNeverCalledDirectly) {
   EXPECT_EQ(::testing::internal::GetCapturedStdout() + "=" + value, "[a]\n[a]\n=K");
 }
 
+// Both trees alike node for node: header words, texts, and the same node
+// wherever one of them shares a node.
+void expectSameTree(const Term& a, const Term& b) {
+  ASSERT_EQ(a.node()->header & ~header::kCountMask, b.node()->header & ~header::kCountMask);
+  if (a.same(b)) return;
+  ASSERT_EQ(a.isLeaf(), b.isLeaf());
+  if (a.isLeaf()) {
+    ASSERT_EQ(textOf(a), textOf(b));
+    ASSERT_FALSE(a.node()->count() == 1 && b.node()->count() > 1);  // built vs shared
+    return;
+  }
+  expectSameTree(a.left(), b.left());
+  expectSameTree(a.right(), b.right());
+}
+
+TEST_F(Direct_, TemplatesBuildWhatSubstitutionBuilds) {
+  program(
+      "0,sw\\a\\b\\c\\a c(b c),dup\\x\\x\\J x(J x K),deep\\p\\q\\J(J(J p 1)(J q [t]))(J 2 2),"
+      "none\\p\\J 1 2,half\\p\\q\\J([{] p q)q,lam\\p\\q\\J(x\\p x)q,wing\\p\\x{p}J x p");
+  Term a1 = term("J 5 K"), a2 = term("[data]"), a3 = term("S K");
+  const Term* args[3] = {&a1, &a2, &a3};
+  for (const char* name : {"sw", "dup", "deep", "none", "half", "lam", "wing"}) {
+    SCOPED_TRACE(name);
+    GlobalSlot& s = slotOf(name);
+    // Substitution into the body under all the binders, parameter by
+    // parameter: a repeated letter is gone after its first argument.
+    Term expected = s.value;
+    std::string letters;
+    while (spineShape(expected) == Shape::kBinder) {
+      letters += char(expected.left().right().first());
+      Term body = expected.right();
+      expected = body;
+    }
+    int n = int(letters.size());
+    for (int i = 0; i < n; i++) expected = substitute(expected, *args[i], uint8_t(letters[size_t(i)]));
+    Term built;
+    if (!instantiateDirect(s, args, n, built)) {
+      EXPECT_TRUE(std::string(name) == "lam" || std::string(name) == "wing") << name;
+      continue;  // a binder or wing on the way to a parameter: substitution's work
+    }
+    expectSameTree(built, expected);
+  }
+}
+
 TEST_F(Direct_, ChangesInvalidateCompiledCode) {
   EXPECT_EQ(printTerm(reduce(term("inc 4"))), "5");
   // A new definition of the function itself.
