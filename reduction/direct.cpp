@@ -596,10 +596,12 @@ Term wordLeaf(int64_t v) {
   static constexpr char kPairs[] =
       "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
       "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
-  char buf[24];
-  char* end = buf + sizeof buf;
-  char* p = end;
   uint64_t m = v < 0 ? 0 - uint64_t(v) : uint64_t(v);
+  size_t digits = 1;
+  for (uint64_t rest = m; rest >= 10; rest /= 10) digits++;
+  size_t n = digits + (v < 0);
+  Term t = rawLeaf(n);
+  char* p = reinterpret_cast<char*>(rawBytes(t)) + n;
   while (m >= 100) {
     p -= 2;
     std::memcpy(p, kPairs + 2 * (m % 100), 2);
@@ -612,9 +614,6 @@ Term wordLeaf(int64_t v) {
     *--p = char('0' + m);
   }
   if (v < 0) *--p = '0';
-  size_t n = size_t(end - p);
-  Term t = rawLeaf(n);
-  std::memcpy(rawBytes(t), p, n);
   sealLeaf(t, n);
   return t;
 }
