@@ -598,7 +598,7 @@ Term wordLeaf(int64_t v) {
       "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
   uint64_t m = v < 0 ? 0 - uint64_t(v) : uint64_t(v);
   size_t digits = 1;
-  for (uint64_t rest = m; rest >= 10; rest /= 10) digits++;
+  for (uint64_t ten = 10; digits < 19 && m >= ten; ten *= 10) digits++;
   size_t n = digits + (v < 0);
   Term t = rawLeaf(n);
   char* p = reinterpret_cast<char*>(rawBytes(t)) + n;
@@ -635,9 +635,11 @@ Term escape(const Val& v) {
 
 }  // namespace
 
-bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) {
-  if (!gFastPaths) return false;
-  DirectCode* d = codeOf(s);
+namespace {
+
+// The direct evaluation of a call of d's definition; false where it is not
+// taken or was abandoned.
+bool evaluate(DirectCode* d, const Term* const* args, int argc, Term& result) {
   if (!d->runnable || d->params != argc) return false;
   if (!argBase && !reserveArguments()) [[unlikely]] return false;
   Val* params = argTop;
@@ -660,9 +662,8 @@ bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) 
   return true;
 }
 
-bool instantiateDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) {
-  if (!gFastPaths) return false;
-  DirectCode* d = codeOf(s);
+// The body of d's definition built from its template; false without one.
+bool instantiate(const DirectCode* d, const Term* const* args, int argc, Term& result) {
   if (!d->templated) return false;
   TARN_ASSERT(d->templateParams == argc);
   Node* built[TemplateBuilder::kMaxSteps];  // each owned until taken once
@@ -683,6 +684,22 @@ bool instantiateDirect(GlobalSlot& s, const Term* const* args, int argc, Term& r
   }
   result = take(d->templateRoot);
   return true;
+}
+
+}  // namespace
+
+bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) {
+  return gFastPaths && evaluate(codeOf(s), args, argc, result);
+}
+
+bool instantiateDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) {
+  return gFastPaths && instantiate(codeOf(s), args, argc, result);
+}
+
+bool fireDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) {
+  if (!gFastPaths) return false;
+  DirectCode* d = codeOf(s);
+  return evaluate(d, args, argc, result) || instantiate(d, args, argc, result);
 }
 
 void setFastPaths(bool on) { gFastPaths = on; }

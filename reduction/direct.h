@@ -44,6 +44,10 @@ bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result);
 // substitution gives. False where the definition has no template.
 bool instantiateDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result);
 
+// callDirect, or else instantiateDirect: what the machine's global-name rule
+// asks first. False: substitution does the work.
+bool fireDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result);
+
 // The fast paths of the machine are on in the product. The test build
 // `tarn_slow` turns them off to compare outputs with them on and off.
 void setFastPaths(bool on);

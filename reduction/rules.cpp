@@ -202,9 +202,9 @@ void fireGlobal(Machine& m, const Term& head, const Term* const* args, int argc)
   peel(s);
   if (!s.params.empty()) {
     TARN_ASSERT(argc == int(s.params.size()));
-    // First-order integer definitions run directly when they can.
-    if (callDirect(s, args, argc, m.control)) return;
-    if (instantiateDirect(s, args, argc, m.control)) return;
+    // First-order integer definitions run directly when they can, and a
+    // body with a template is built from it.
+    if (fireDirect(s, args, argc, m.control)) return;
     const Term* values[26];  // read only at the letters of mask
     uint32_t mask = 0;
     for (int i = 0; i < argc; i++) {
