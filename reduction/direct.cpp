@@ -46,10 +46,12 @@ enum class Expr : uint8_t {
   kCompare,  // a < > = # b
   kCall,     // callee(args...)
   kChoice,   // (a b c): a must give K (b) or H (c)
+  kLogic,    // a & b, a | b, !a: only as the condition of a choice
 };
 
 enum class Arith : uint8_t { kPlus, kDash, kMult, kOver, kCent };
 enum class Compare : uint8_t { kLess, kGreaterEq, kSame, kDiff };
+enum class Logic : uint8_t { kAnd, kOr, kNot };
 
 struct Instr {
   Expr kind;
@@ -235,6 +237,17 @@ class Compiler {
     for (int i = 0, j = n - 1; i < j; i++, j--) std::swap(args[i], args[j]);
     if (!h->isLeaf()) return -1;
 
+    // A condition of & | ! before two branches: its value never leaves.
+    int logicArgs;
+    Logic logic;
+    if (logicOf(*h, logic, logicArgs) && n == logicArgs + 2) {
+      int32_t test = logicExpr(logic, args);
+      if (test < 0) return -1;
+      int32_t yes = expr(*args[logicArgs]), no = expr(*args[logicArgs + 1]);
+      if (yes < 0 || no < 0) return -1;
+      return emit({Expr::kChoice, 0, 0, test, yes, no, 0, nullptr, nullptr});
+    }
+
     Instr part{Expr::kCall};
     int used;
     if (operatorOf(*h, part.kind, part.op)) {
@@ -266,6 +279,65 @@ class Compiler {
   }
 
  private:
+  // A condition: & | ! of conditions, or any expression giving K or H.
+  int32_t condition(const Term& t) {
+    if (t.isApp() && !isData(t)) {
+      const Term* args[2];
+      int n = 0;
+      const Term* h = &t;
+      while (h->isApp() && n < 2) {
+        args[1 - n] = &h->right();
+        n++;
+        h = &h->left();
+      }
+      int logicArgs;
+      Logic logic;
+      if (h->isLeaf() && logicOf(*h, logic, logicArgs) && n == logicArgs) {
+        if (n == 1) args[0] = args[1];
+        return logicExpr(logic, args);
+      }
+    }
+    return expr(t);
+  }
+
+  int32_t logicExpr(Logic logic, const Term* const* args) {
+    int32_t a = condition(*args[0]);
+    int32_t b = logic == Logic::kNot ? -1 : condition(*args[1]);
+    if (a < 0 || (logic != Logic::kNot && b < 0)) return -1;
+    return emit({Expr::kLogic, uint8_t(logic), 0, a, b, -1, 0, nullptr, nullptr});
+  }
+
+  // The prelude's & (q r H), | (q K r) and ! (p H K), while they hold.
+  bool logicOf(const Term& h, Logic& logic, int& args) {
+    if (!h.isLeaf() || h.node()->bytes()[1] != 0) return false;
+    unsigned char c = h.first();
+    if (c != '&' && c != '|' && c != '!') return false;
+    GlobalSlot& s = slotOfLeaf(h);
+    bool holds;
+    if (c == '&') {
+      holds = hasLaw(s, 2, [](const Term& b, const unsigned char* p) {
+        return b.isApp() && b.left().isApp() && isLetterLeaf(b.left().left(), p[0]) &&
+               isLetterLeaf(b.left().right(), p[1]) && isByteLeaf(b.right(), 'H');
+      });
+      logic = Logic::kAnd;
+    } else if (c == '|') {
+      holds = hasLaw(s, 2, [](const Term& b, const unsigned char* p) {
+        return b.isApp() && b.left().isApp() && isLetterLeaf(b.left().left(), p[0]) &&
+               isByteLeaf(b.left().right(), 'K') && isLetterLeaf(b.right(), p[1]);
+      });
+      logic = Logic::kOr;
+    } else {
+      holds = hasLaw(s, 1, [](const Term& b, const unsigned char* p) {
+        return b.isApp() && b.left().isApp() && isLetterLeaf(b.left().left(), p[0]) &&
+               isByteLeaf(b.left().right(), 'H') && isByteLeaf(b.right(), 'K');
+      });
+      logic = Logic::kNot;
+    }
+    out_.reads.emplace_back(&s, s.version);
+    args = logic == Logic::kNot ? 1 : 2;
+    return holds;
+  }
+
   int32_t emit(const Instr& i) {
     out_.code.push_back(i);
     return int32_t(out_.code.size() - 1);
@@ -509,6 +581,40 @@ inline Val operand(const DirectCode* d, int32_t at, const Val* params) {
   }
 }
 
+// A condition's truth: 1 for K, 0 for H, -1 when the attempt is abandoned
+// (any other value). A comparison chooses at once, with no value made; &
+// and | look at their second condition only as the prelude laws do.
+int truth(const DirectCode* d, int32_t at, const Val* params) {
+  const Instr& in = d->code[size_t(at)];
+  Val c;
+  switch (in.kind) {
+    case Expr::kCompare: {
+      Val x = operand(d, in.a, params);
+      Val y = x.failed() ? x : operand(d, in.b, params);
+      c = y.failed() ? y : compare(Compare(in.op), x, y);
+      break;
+    }
+    case Expr::kLogic: {
+      int a = truth(d, in.a, params);
+      if (a < 0) return a;
+      switch (Logic(in.op)) {
+        case Logic::kAnd: return a ? truth(d, in.b, params) : 0;
+        case Logic::kOr: return a ? 1 : truth(d, in.b, params);
+        case Logic::kNot: return !a;
+      }
+      return -1;
+    }
+    default: c = eval(d, at, params);
+  }
+  How how = c.how();
+  if (how == How::kNode) {
+    const Node* n = c.node();
+    if (n->isLeaf() && n->bytes()[1] == 0 && (n->bytes()[0] == 'K' || n->bytes()[0] == 'H'))
+      how = n->bytes()[0] == 'K' ? How::kYes : How::kNo;
+  }
+  return how == How::kYes ? 1 : how == How::kNo ? 0 : -1;
+}
+
 // The value of instruction `at` of d with the given parameters. Calls in
 // tail position (a branch, a definition's body) continue in this frame.
 Val eval(const DirectCode* d, int32_t at, const Val* params) {
@@ -539,26 +645,12 @@ Val eval(const DirectCode* d, int32_t at, const Val* params) {
         break;
       }
       case Expr::kChoice: {
-        // A comparison chooses the branch at once, with no value made.
-        const Instr& test = d->code[size_t(in.a)];
-        Val c;
-        if (test.kind == Expr::kCompare) {
-          Val x = operand(d, test.a, params);
-          Val y = x.failed() ? x : operand(d, test.b, params);
-          c = y.failed() ? y : compare(Compare(test.op), x, y);
-        } else {
-          c = eval(d, in.a, params);
-        }
-        How how = c.how();
-        if (how == How::kNode) {
-          const Node* n = c.node();
-          if (n->isLeaf() && n->bytes()[1] == 0 && (n->bytes()[0] == 'K' || n->bytes()[0] == 'H'))
-            how = n->bytes()[0] == 'K' ? How::kYes : How::kNo;
-        }
-        if (how != How::kYes && how != How::kNo) { r = kFailed; break; }
-        at = how == How::kYes ? in.b : in.c;
+        int yes = truth(d, in.a, params);
+        if (yes < 0) { r = kFailed; break; }
+        at = yes ? in.b : in.c;
         continue;  // the branch is in tail position
       }
+      case Expr::kLogic: r = kFailed; break;  // compiled only as a condition
       case Expr::kCall: {
         Val* args = argTop;
         if (argEnd - args < in.argc) [[unlikely]] { r = kFailed; break; }

@@ -96,6 +96,12 @@ class Gen:
             if preds:
                 name, arity = r.choice(preds)
                 return '%s(%s)' % (name, ','.join(self.expr(params, depth, calls) for _ in range(arity)))
+        k = r.random()
+        if k < 0.15:
+            return '!(%s%s%s)' % (a, r.choice('<>=#'), b)
+        if k < 0.35:
+            c, d = self.expr(params, depth, calls), self.expr(params, depth, calls)
+            return '%s%s%s%s%s%s%s' % (a, r.choice('<>=#'), b, r.choice('&|'), c, r.choice('<>=#'), d)
         return '%s%s%s' % (a, r.choice('<>=#'), b)
 
     def value(self):

@@ -147,6 +147,11 @@ TEST_F(Direct_, ChangesInvalidateCompiledCode) {
   setGlobal("+", term("dash"));
   EXPECT_EQ(printTerm(reduce(term("nfib 3"))), printTerm(reducedWith(false, term("nfib 3"))));
   setGlobal("+", term("plus"));
+  // The laws of | and ! are read too.
+  setGlobal("gate", term("x\\(x<5|!(x<9))K(H)"));
+  EXPECT_EQ(printTerm(reduce(term("gate 7"))), "H");
+  setGlobal("|", term("q\\r\\r"));
+  EXPECT_EQ(printTerm(reduce(term("gate 7"))), printTerm(reducedWith(false, term("gate 7"))));
   // K's law changes: a conditional must follow it.
   setGlobal("K", term("a\\b\\b"));
   EXPECT_EQ(printTerm(reduce(term("pick 0 5"))), "7");
