@@ -794,6 +794,75 @@ bool fireDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) 
   return evaluate(d, args, argc, result) || instantiate(d, args, argc, result);
 }
 
+// ---- Operators in the machine -------------------------------------------------------
+
+namespace {
+
+// Whether K, H, I and T still have their prelude laws, for the present
+// globals and memory.
+bool lawsHoldNow() {
+  static uint32_t stamp = 0, epoch = 0;
+  static bool holds = false;
+  if (stamp == globalsStamp() && epoch == memoryEpoch()) [[likely]] return holds;
+  std::vector<std::pair<GlobalSlot*, uint32_t>> reads;
+  holds = preludeLawsHold(reads);
+  stamp = globalsStamp();
+  epoch = memoryEpoch();
+  return holds;
+}
+
+// The number builtins an operator global may stand for: pure, never a
+// marker, never a write to memory.
+bool isOperatorBuiltin(const Builtin* b) {
+  static const Builtin* const table[] = {
+      findBuiltin("plus"), findBuiltin("dash"), findBuiltin("mult"), findBuiltin("over"), findBuiltin("cent"),
+      findBuiltin("less"), findBuiltin("gteq"), findBuiltin("same"), findBuiltin("diff"),
+  };
+  for (const Builtin* t : table)
+    if (t == b) return true;
+  return false;
+}
+
+}  // namespace
+
+bool operatorStep(Term& control) {
+  if (!gFastPaths) return false;
+  // The spine: (op a b c1 ... ck) with op a parameterless global.
+  const Term* args[4];
+  int n = 0;
+  const Term* h = &control;
+  while (h->isApp()) {
+    if (n == 4) return false;
+    args[n++] = &h->right();
+    h = &h->left();
+  }
+  if (n < 3 || !h->isLeaf()) return false;
+  unsigned char c = h->first();
+  if (isWordByte(c) || isLower(c) || h->node()->bytes()[1] != 0) return false;
+  GlobalSlot& s = slotOfLeaf(*h);
+  if (!s.value || !s.value.isLeaf() || !isWordByte(s.value.first()) || s.value.first() == ')') return false;
+  GlobalSlot& v = slotOfLeaf(s.value);
+  if (!v.builtin || !isOperatorBuiltin(v.builtin)) return false;
+  const Term& a = *args[n - 1];
+  const Term& b = *args[n - 2];
+  if (!isValue(a) || !isValue(b) || !lawsHoldNow()) return false;
+  // The machine: op gives its value, the frames apply it to a and b (T's
+  // law), and the builtin gets that chain.
+  Term chain = App2(s.value, a, b);
+  annotateSlow(chain.node());
+  Term r = callBuiltin(*v.builtin, chain);
+  if (n == 4 && r.isLeaf() && r.node()->bytes()[1] == 0 && (r.first() == 'K' || r.first() == 'H')) {
+    // K c1 c2 = c1; H c1 c2 = I c2 = c2.
+    Term chosen = *args[r.first() == 'K' ? 1 : 0];
+    control = std::move(chosen);
+    return true;
+  }
+  Term next = std::move(r);
+  for (int i = n - 3; i >= 0; i--) next = App(std::move(next), *args[i]);
+  control = std::move(next);
+  return true;
+}
+
 void setFastPaths(bool on) { gFastPaths = on; }
 bool fastPaths() { return gFastPaths; }
 uint64_t directCalls() { return callsTaken; }

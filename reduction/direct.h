@@ -48,6 +48,13 @@ bool instantiateDirect(GlobalSlot& s, const Term* const* args, int argc, Term& r
 // asks first. False: substitution does the work.
 bool fireDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result);
 
+// An over-applied operator (op a b c...) whose global still stands for a
+// number builtin and whose operands are values: the builtin is called at
+// once, and a K or H that meets two branches keeps one of them, as the
+// frames, the global-name rule and the prelude laws would have made it.
+// False: not taken, nothing changed.
+bool operatorStep(Term& control);
+
 // The fast paths of the machine are on in the product. The test build
 // `tarn_slow` turns them off to compare outputs with them on and off.
 void setFastPaths(bool on);

@@ -159,6 +159,27 @@ TEST_F(Direct_, ChangesInvalidateCompiledCode) {
   EXPECT_EQ(printTerm(reduce(term("pick 0 5"))), "5");
 }
 
+TEST_F(Direct_, OperatorsInTheMachineFollowTheirGlobals) {
+  auto both = [](const char* source) {
+    std::string fast = printTerm(reducedWith(true, term(source)));
+    EXPECT_EQ(fast, printTerm(reducedWith(false, term(source)))) << source;
+    return fast;
+  };
+  EXPECT_EQ(both("(2<3) [a] [b]"), "[a]");
+  EXPECT_EQ(both("(3<2) [a] [b]"), "[b]");
+  EXPECT_EQ(both("(2+3) K"), "VK2");  // a number applied opens into its first cell
+  EXPECT_EQ(both("(2<(1+2)) [a] [b]"), "[a]");        // an operand still to evaluate
+  setGlobal("<", term("gteq"));
+  EXPECT_EQ(both("(2<3) [a] [b]"), "[b]");
+  setGlobal("<", term("less"));
+  setGlobal("H", term("a\\K"));
+  EXPECT_EQ(both("(3<2) [a] [b]"), "K[b]");
+  setGlobal("H", term("a\\I"));
+  setGlobal("T", term("a\\b\\a"));
+  EXPECT_EQ(both("(3<2) [a] [b]"), both("(3<2) [a] [b]"));
+  setGlobal("T", term("a\\b\\b a"));
+}
+
 TEST_F(Direct_, AMemoryWriteToALiteralIsSeen) {
   setGlobal("inc", term("x\\x+1"));
   EXPECT_EQ(printTerm(reduce(term("inc 4"))), "5");
