@@ -836,9 +836,10 @@ bool operatorStep(Term& control) {
     args[n++] = &h->right();
     h = &h->left();
   }
-  if (n < 3 || !h->isLeaf()) return false;
-  unsigned char c = h->first();
-  if (isWordByte(c) || isLower(c) || h->node()->bytes()[1] != 0) return false;
+  // The head must be a one-byte name whose definition has no parameters
+  // (annotated with arity 0, as the control is).
+  if (n < 2 || !h->isLeaf() || h->node()->bytes()[1] != 0 || h->node()->arity() != 0) return false;
+  if (isWordByte(h->first())) return false;
   GlobalSlot& s = slotOfLeaf(*h);
   if (!s.value || !s.value.isLeaf() || !isWordByte(s.value.first()) || s.value.first() == ')') return false;
   GlobalSlot& v = slotOfLeaf(s.value);
