@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Benchmarks: each workload runs with tarn and, in the same run, with its
 # peer; the script prints both times (best of N runs), their ratio, and the
-# machine's steps per second where tarn_stats reports them.
+# machine's steps per second where tarn_stats reports them. The peer is
+# Debian's optimised CPython, /usr/bin/python3, by its full path (a python3
+# found earlier on PATH may be a slower wrapper).
 #
 #   bench/run.sh [machine|numbers|all]   (default all)
 set -u
@@ -9,6 +11,7 @@ cd "$(dirname "$0")/.."
 TARN=build/tarn
 STATS=build/tarn_stats
 RUNS=${RUNS:-3}
+PYTHON=/usr/bin/python3
 what=${1:-all}
 
 source bench/timing.sh
@@ -31,14 +34,14 @@ fi
 
 machine() {
   local d=bench/machine
-  echo "== machine workloads (tarn vs python3)"
-  for w in nfib church; do
+  echo "== machine workloads (tarn vs $PYTHON)"
+  for w in nfib church sumdeep listdrop evenodd ackermann primes; do
     local want got tt tp
-    want=$(python3 "$d/$w.py")
+    want=$("$PYTHON" "$d/$w.py")
     got=$("$TARN" "$d/$w.tarn")
     [ "$want" = "$got" ] || echo "  $w: OUTPUT DIFFERS: tarn '$got' python '$want'"
     tt=$(best_time "$TARN" "$d/$w.tarn")
-    tp=$(best_time python3 "$d/$w.py")
+    tp=$(best_time "$PYTHON" "$d/$w.py")
     echo "  $w: tarn ${tt}s  python3 ${tp}s  ratio $(ratio "$tt" "$tp")  ($(steps_per_second "$d/$w.tarn" "$tt"))"
   done
   local tplain tcall

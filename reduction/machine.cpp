@@ -4,6 +4,7 @@
 #include "terms/failure.h"
 #include "runtime/globals.h"
 #include "runtime/annotate.h"
+#include "reduction/direct.h"
 #include "reduction/printer.h"
 #include "runtime/report.h"
 
@@ -135,8 +136,10 @@ void step(Machine& m) {
   }
   int arity = x->arity();
 
-  // Rule 2: over-applied; the last argument waits on the continuation.
+  // Rule 2: over-applied; the last argument waits on the continuation. An
+  // operator on values is applied at once.
   if (arity < 0) {
+    if (arity <= -2 && operatorStep(m.control)) return;
     descendLeft(m);
     return;
   }

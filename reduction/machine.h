@@ -18,6 +18,13 @@
 // into the globals (only for a parameterless definition, only with a value),
 // and call a builtin handler. It never recurses into the machine, except
 // through a handler that compiles text at run time.
+//
+// Fast paths (direct.h) take several steps at once where the outcome is
+// known: a call of a first-order integer definition evaluated directly, a
+// body built from its template instead of by substitution, an operator on
+// values applied at once. Each leaves exactly the nodes and effects the
+// plain steps would; the build `tarn_slow` runs without them, and the
+// differential test compares the two.
 #pragma once
 
 #include <cstdint>

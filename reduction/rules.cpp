@@ -6,6 +6,7 @@
 #include "numbers/model.h"
 #include "runtime/annotate.h"
 #include "reduction/coded.h"
+#include "reduction/direct.h"
 #include "reduction/machine.h"
 #include "terms/texts.h"
 
@@ -201,6 +202,9 @@ void fireGlobal(Machine& m, const Term& head, const Term* const* args, int argc)
   peel(s);
   if (!s.params.empty()) {
     TARN_ASSERT(argc == int(s.params.size()));
+    // First-order integer definitions run directly when they can, and a
+    // body with a template is built from it.
+    if (fireDirect(s, args, argc, m.control)) return;
     const Term* values[26];  // read only at the letters of mask
     uint32_t mask = 0;
     for (int i = 0; i < argc; i++) {

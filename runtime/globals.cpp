@@ -24,6 +24,7 @@ Tables& tables() {
 }  // namespace
 
 uint32_t gMemoryEpoch = 1;
+uint32_t gGlobalsStamp = 1;
 
 GlobalSlot& slotOf(std::string_view name) {
   Tables& t = tables();
@@ -68,6 +69,7 @@ const Term* findGlobal(std::string_view name) {
 void setSlotValue(GlobalSlot& slot, Term value) {
   slot.value = std::move(value);
   slot.version++;
+  gGlobalsStamp++;
   slot.body = Term();
 }
 

@@ -23,6 +23,8 @@ namespace tarn {
 
 // ---- Globals ----------------------------------------------------------------
 
+struct DirectCode;  // the reduction layer's compiled form of a definition
+
 struct GlobalSlot {
   std::string name;
   Term value;               // the definition; null when the name has no entry
@@ -35,7 +37,15 @@ struct GlobalSlot {
   Term body;
   uint32_t peeledVersion = ~0u;
   uint32_t peeledEpoch = 0;
+  // The reduction layer's direct code for the definition, checked against
+  // the stamp and versions below before each use; owned by that layer.
+  DirectCode* direct = nullptr;
 };
+
+// Advanced whenever any slot's value changes: caches built from several
+// definitions compare one number before they look at each slot's version.
+extern uint32_t gGlobalsStamp;
+inline uint32_t globalsStamp() { return gGlobalsStamp; }
 
 // The memory epoch: advanced after every builtin that may write memory.
 // Caches keyed on leaf bytes are valid only within one epoch.
