@@ -177,28 +177,10 @@ Report checkAlive() {
 // through its callees, is removed; a prelude name gets its prelude
 // definition back.
 void removeTainted(const std::vector<std::string>& names) {
-  std::map<std::string, std::vector<std::string>> callers;
-  std::set<std::string> frontier, tainted;
-  for (const std::string& d : names) {
-    NameList refs = globalRefs(bodyOf(d));
-    for (std::string& ref : refs.names) {
-      if (!hasGlobal(ref)) frontier.insert(d);
-      callers[std::move(ref)].push_back(d);
-    }
-  }
-  while (!frontier.empty()) {
-    std::set<std::string> next;
-    for (const std::string& x : frontier) {
-      tainted.insert(x);
-      auto it = callers.find(x);
-      if (it == callers.end()) continue;
-      for (const std::string& caller : it->second)
-        if (!tainted.count(caller)) next.insert(caller);
-    }
-    frontier = std::move(next);
-  }
-  // The alive check has passed, so the main term reaches nothing undefined.
-  TARN_ASSERT(!tainted.count(""));
+  std::vector<std::pair<std::string, const Term*>> bodies;
+  for (const std::string& d : names) bodies.emplace_back(d, &bodyOf(d));
+  std::set<std::string> tainted =
+      taintedDefinitions(bodies, [](const std::string& name) { return hasGlobal(name); });
   for (const std::string& x : tainted) {
     if (const Term* original = findPreludeGlobal(x)) setGlobal(x, *original);
     else eraseGlobal(x);

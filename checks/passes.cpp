@@ -7,6 +7,7 @@
 #include "checks/passes.h"
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -344,6 +345,32 @@ Term foldQuotes(const Term& t) {
     return App2(leafByte('V'), leaf(quoted), std::move(y));
   }
   return reduce(std::move(y));
+}
+
+std::set<std::string> taintedDefinitions(const std::vector<std::pair<std::string, const Term*>>& bodies,
+                                         const std::function<bool(const std::string&)>& defined) {
+  std::map<std::string, std::vector<std::string>> callers;
+  std::set<std::string> frontier, tainted;
+  for (const auto& [d, body] : bodies) {
+    NameList refs = globalRefs(*body);
+    for (std::string& ref : refs.names) {
+      if (!defined(ref)) frontier.insert(d);
+      callers[std::move(ref)].push_back(d);
+    }
+  }
+  while (!frontier.empty()) {
+    std::set<std::string> next;
+    for (const std::string& x : frontier) {
+      tainted.insert(x);
+      auto it = callers.find(x);
+      if (it == callers.end()) continue;
+      for (const std::string& caller : it->second)
+        if (!tainted.count(caller)) next.insert(caller);
+    }
+    frontier = std::move(next);
+  }
+  TARN_ASSERT(!tainted.count(""));
+  return tainted;
 }
 
 }  // namespace tarn

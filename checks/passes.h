@@ -14,7 +14,12 @@
 // depth of a term: run them on the large stack (driver/stack.h).
 #pragma once
 
+#include <functional>
+#include <set>
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "checks/names.h"
 #include "terms/term.h"
@@ -41,6 +46,13 @@ const Term* findFunkyKey(const Term& t);
 // The names t refers to and does not bind (globals and free letters alike),
 // the two binding leaves "\" and "{" excepted.
 NameList globalRefs(const Term& t);
+
+// Taint: the definitions among `bodies` (name, body) that reach a name for
+// which `defined` is false, directly or through other definitions of
+// `bodies`. The main term (the empty name) never reaches one once the alive
+// check has passed: finding it tainted is a fatal assertion.
+std::set<std::string> taintedDefinitions(const std::vector<std::pair<std::string, const Term*>>& bodies,
+                                         const std::function<bool(const std::string&)>& defined);
 // Binding occurrences: leaves in the place of p in (\ p) or ({ p). Those that
 // are one letter a-z, and all the others (by their text).
 NameList letterLocals(const Term& t);

@@ -82,28 +82,10 @@ Report checkAlive(const NewGlobals& table) {
 // Taint over the new definitions: one that reaches an undefined name,
 // directly or through other new definitions, is dropped from the table.
 void dropTainted(NewGlobals& table) {
-  std::map<std::string, std::vector<std::string>> callers;
-  std::set<std::string> frontier, tainted;
-  for (const auto& [d, body] : table.entries) {
-    NameList refs = globalRefs(body);
-    for (std::string& ref : refs.names) {
-      if (!isDefined(table, ref)) frontier.insert(d);
-      callers[std::move(ref)].push_back(d);
-    }
-  }
-  while (!frontier.empty()) {
-    std::set<std::string> next;
-    for (const std::string& x : frontier) {
-      tainted.insert(x);
-      auto it = callers.find(x);
-      if (it == callers.end()) continue;
-      for (const std::string& caller : it->second)
-        if (!tainted.count(caller)) next.insert(caller);
-    }
-    frontier = std::move(next);
-  }
-  // The alive check has passed, so the main expression reaches nothing undefined.
-  TARN_ASSERT(!tainted.count(""));
+  std::vector<std::pair<std::string, const Term*>> bodies;
+  for (const auto& [d, body] : table.entries) bodies.emplace_back(d, &body);
+  std::set<std::string> tainted =
+      taintedDefinitions(bodies, [&](const std::string& name) { return isDefined(table, name); });
   for (const std::string& x : tainted) table.entries.erase(x);
 }
 

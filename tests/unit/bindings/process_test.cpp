@@ -9,16 +9,13 @@
 
 #include "bindings/process.h"
 #include "numbers/model.h"
+#include "tests/unit/bindings/calls.h"
 
 namespace tarn {
 namespace {
 
-Term call(std::string_view name, std::vector<Term> args) {
-  Term chain = leaf(name);
-  for (Term& a : args) chain = App(std::move(chain), std::move(a));
-  return callBuiltin(*findBuiltin(name), chain);
-}
-std::string text(const Term& t) { return std::string(textOf(t)); }
+using testing::call;
+using testing::text;
 
 TEST(ProcessRows, ErrnoIsTranslatedIntoTheLanguagesNumbers) {
   // host value, value the program reads

@@ -9,18 +9,15 @@
 
 #include "bindings/strings.h"
 #include "numbers/model.h"
+#include "tests/unit/bindings/calls.h"
 
 namespace tarn {
 namespace {
 
-Term call(std::string_view name, std::vector<Term> args) {
-  Term chain = leaf(name);
-  for (Term& a : args) chain = App(std::move(chain), std::move(a));
-  return callBuiltin(*findBuiltin(name), chain);
-}
-Term address(const void* p) { return int64ToTerm(reinterpret_cast<intptr_t>(p)); }
+using testing::address;
+using testing::call;
+using testing::text;
 Term blob(std::string_view bytes) { return blobLeaf(bytes); }
-std::string text(const Term& t) { return std::string(textOf(t)); }
 
 TEST(StringRows, StrcmpIsNormalisedAndUnsigned) {
   // a, b, answer: bytes compare as unsigned values, the first difference

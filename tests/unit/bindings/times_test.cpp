@@ -10,17 +10,14 @@
 
 #include "bindings/times.h"
 #include "numbers/model.h"
+#include "tests/unit/bindings/calls.h"
 
 namespace tarn {
 namespace {
 
-Term call(std::string_view name, std::vector<Term> args) {
-  Term chain = leaf(name);
-  for (Term& a : args) chain = App(std::move(chain), std::move(a));
-  return callBuiltin(*findBuiltin(name), chain);
-}
-Term address(const void* p) { return int64ToTerm(reinterpret_cast<intptr_t>(p)); }
-std::string text(const Term& t) { return std::string(textOf(t)); }
+using testing::address;
+using testing::call;
+using testing::text;
 const char* hostText(const Term& t) { return reinterpret_cast<const char*>(termToInt64(t)); }
 
 // Runs the tests of this file in the zone UTC, and puts the zone back after.
