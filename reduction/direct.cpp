@@ -661,7 +661,7 @@ Val eval(const DirectCode* d, int32_t at, const Val* params) {
           ok = !args[i].failed();
         }
         DirectCode* callee = codeOf(*in.callee);
-        if (!ok || !callee->runnable) { r = kFailed; break; }
+        if (!ok || !callee->runnable || callee->params != in.argc) { r = kFailed; break; }
         // The callee's body is in tail position: when our own parameters are
         // room of this frame, the arguments move down over them.
         if (params >= mark && params < args) {
