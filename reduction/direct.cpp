@@ -661,7 +661,7 @@ Val eval(const DirectCode* d, int32_t at, const Val* params) {
           ok = !args[i].failed();
         }
         DirectCode* callee = codeOf(*in.callee);
-        if (!ok || !callee->runnable) { r = kFailed; break; }
+        if (!ok || !callee->runnable || callee->params != in.argc) { r = kFailed; break; }
         // The callee's body is in tail position: when our own parameters are
         // room of this frame, the arguments move down over them.
         if (params >= mark && params < args) {
@@ -844,9 +844,12 @@ bool operatorStep(Term& control) {
   if (!s.value || !s.value.isLeaf() || !isWordByte(s.value.first()) || s.value.first() == ')') return false;
   GlobalSlot& v = slotOfLeaf(s.value);
   if (!v.builtin || !isOperatorBuiltin(v.builtin)) return false;
+  // Number leaves only: the call term still holds the operands here, so
+  // their counts are not the machine's, which only a handler that updates a
+  // text or vector in place for a sole holder could tell.
   const Term& a = *args[n - 1];
   const Term& b = *args[n - 2];
-  if (!isValue(a) || !isValue(b) || !lawsHoldNow()) return false;
+  if (!isDigit(a.first()) || !isDigit(b.first()) || !lawsHoldNow()) return false;
   // The machine: op gives its value, the frames apply it to a and b (T's
   // law), and the builtin gets that chain.
   Term chain = App2(s.value, a, b);
