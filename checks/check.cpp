@@ -100,9 +100,9 @@ Report funkyReport(std::string_view name, const Term& offending) {
   return r;
 }
 
-Report aliveReport(std::string_view referrer, std::string_view undefinedName) {
+Report aliveReport(std::string_view referrer, std::string_view undefinedName, std::string_view what) {
   Report r;
-  r.say = "Alive function " + std::string(referrer) + " references undefined " +
+  r.say = "Alive function " + std::string(referrer) + " references undefined " + std::string(what) +
           std::string(undefinedName) + ".";
   r.tag = "alive";
   r.vip = shortName(referrer);

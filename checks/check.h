@@ -30,7 +30,9 @@ std::string recordLayoutText();
 // Reports of the checks; `name` is the definition's name ("" for the main
 // term), `referrer` the name that refers to an undefined one.
 Report funkyReport(std::string_view name, const Term& offending);
-Report aliveReport(std::string_view referrer, std::string_view undefinedName);
+// `what` names the kind of the undefined name in the message ("function " at
+// run time, nothing at start-up).
+Report aliveReport(std::string_view referrer, std::string_view undefinedName, std::string_view what = "");
 Report placeReport(std::string_view name);
 Report arityReport(std::string_view name);
 Report localReport(std::string_view name, char letter);

@@ -44,17 +44,6 @@ Report roadsReport(std::string_view name) {
   return r;
 }
 
-// The start-up wording with one word more: "undefined function".
-Report runTimeAliveReport(std::string_view referrer, std::string_view undefinedName) {
-  Report r;
-  r.say = "Alive function " + std::string(referrer) + " references undefined function " +
-          std::string(undefinedName) + ".";
-  r.tag = "alive";
-  r.vip = shortName(referrer);
-  r.tip = shortName(undefinedName);
-  return r;
-}
-
 // The alive walk from the main expression, least name first, a name queued
 // twice keeping its last referrer. The walk does not enter definitions that
 // `globals` already has: the start-up checks have proved that they reach
@@ -69,7 +58,7 @@ Report checkAlive(const NewGlobals& table) {
     std::string referrer = first->second.empty() ? "TOP" : first->second;
     queue.erase(first);
     seen.insert(name);
-    if (!isDefined(table, name)) return runTimeAliveReport(referrer, name);
+    if (!isDefined(table, name)) return aliveReport(referrer, name, "function ");
     auto entry = table.entries.find(name);
     if (entry == table.entries.end()) continue;
     NameList refs = globalRefs(entry->second);
