@@ -15,6 +15,7 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -47,6 +48,8 @@ enum class Expr : uint8_t {
   kCall,     // callee(args...)
   kChoice,   // (a b c): a must give K (b) or H (c)
   kLogic,    // a & b, a | b, !a: only as the condition of a choice
+  kLook,     // look(a, b): a slot of a vector
+  kCork,     // cork(a, b, c): a vector's slot set in place
 };
 
 enum class Arith : uint8_t { kPlus, kDash, kMult, kOver, kCent };
@@ -58,10 +61,15 @@ struct Instr {
   uint8_t op = 0;     // an Arith or Compare
   uint8_t argc = 0;   // kCall: the number of arguments
   int32_t a = -1, b = -1, c = -1;  // operands; kCall: a is the first of `callArgs`
-  int64_t word = 0;
+  int64_t word = 0;      // kChoice, kLogic: the first of its drop lists, or -1
   Node* node = nullptr;  // held through the definition's value
   GlobalSlot* callee = nullptr;
 };
+
+// The most parameters a compiled definition has.
+constexpr int kMaxParams = 10;
+// Occurrences of each parameter in a part of a body.
+using Uses = std::array<uint16_t, kMaxParams>;
 
 // How a value came to be, which decides the node it becomes when it leaves.
 enum class How : uint8_t {
@@ -123,6 +131,8 @@ struct DirectCode {
   int32_t root = -1;
   std::vector<Instr> code;
   std::vector<int32_t> callArgs;
+  Uses uses{};              // each parameter's occurrences in the body
+  std::vector<Uses> drops;  // what a choice or a logic operator leaves untaken
   Term value;  // the definition compiled: keeps the literal nodes alive
 };
 
@@ -221,10 +231,31 @@ class Compiler {
   Compiler(DirectCode& out, const unsigned char* letters, int params)
       : out_(out), letters_(letters), params_(params) {}
 
-  int32_t expr(const Term& t) {
+  int32_t expr(const Term& t) { return applied(t, nullptr, 0); }
+
+  // Each parameter's occurrences in t: the references to its argument that
+  // the machine's instance of t holds.
+  void countUses(const Term& t, Uses& uses) {
+    if (t.isLeaf()) {
+      unsigned char c = t.first();
+      if (!isLower(c) || t.node()->bytes()[1] != 0) return;
+      for (int i = 0; i < params_; i++)
+        if (letters_[i] == c) {
+          uses[size_t(i)]++;  // the first parameter of a letter wins
+          return;
+        }
+      return;
+    }
+    if (t.node()->isData()) return;
+    countUses(t.left(), uses);
+    countUses(t.right(), uses);
+  }
+
+ private:
+  // t applied to further arguments (those of an enclosing conditional that
+  // go to whichever branch is taken).
+  int32_t applied(const Term& t, const Term* const* extras, int extraCount) {
     annotate(t);
-    if (t.isLeaf()) return leafExpr(t);
-    if (t.node()->isData()) return emit({Expr::kLiteral, 0, 0, -1, -1, -1, 0, t.node(), nullptr});
     // The spine: the head leaf and its arguments in source order.
     const Term* args[16];
     int n = 0;
@@ -235,23 +266,29 @@ class Compiler {
       h = &h->left();
     }
     for (int i = 0, j = n - 1; i < j; i++, j--) std::swap(args[i], args[j]);
+    if (n + extraCount > 16) return -1;
+    for (int i = 0; i < extraCount; i++) args[n++] = extras[i];
+    if (n == 0) return t.isLeaf() ? leafExpr(t) : emit({Expr::kLiteral, 0, 0, -1, -1, -1, 0, t.node(), nullptr});
     if (!h->isLeaf()) return -1;
+
+    // I a b... = a b...: a branch that passes the arguments on.
+    if (isByteLeaf(*h, 'I')) return applied(*args[0], args + 1, n - 1);
 
     // A condition of & | ! before two branches: its value never leaves.
     int logicArgs;
     Logic logic;
-    if (logicOf(*h, logic, logicArgs) && n == logicArgs + 2) {
+    if (logicOf(*h, logic, logicArgs) && n >= logicArgs + 2) {
       int32_t test = logicExpr(logic, args);
       if (test < 0) return -1;
-      int32_t yes = expr(*args[logicArgs]), no = expr(*args[logicArgs + 1]);
-      if (yes < 0 || no < 0) return -1;
-      return emit({Expr::kChoice, 0, 0, test, yes, no, 0, nullptr, nullptr});
+      return choice(test, args + logicArgs, n - logicArgs);
     }
 
     Instr part{Expr::kCall};
     int used;
     if (operatorOf(*h, part.kind, part.op)) {
       used = 2;
+    } else if (dataOf(*h, part.kind)) {
+      used = part.kind == Expr::kLook ? 2 : 3;
     } else {
       GlobalSlot* callee = calleeOf(*h, used);
       if (!callee) return -1;
@@ -268,17 +305,46 @@ class Compiler {
     } else {
       part.a = operands[0];
       part.b = operands[1];
+      part.c = used == 3 ? operands[2] : -1;
     }
     int32_t whole = emit(part);
     if (n == used) return whole;
-    if (n != used + 2) return -1;
-    // The value applied to two branches: a conditional.
-    int32_t yes = expr(*args[used]), no = expr(*args[used + 1]);
-    if (yes < 0 || no < 0) return -1;
-    return emit({Expr::kChoice, 0, 0, whole, yes, no, 0, nullptr, nullptr});
+    return choice(whole, args + used, n - used);
   }
 
- private:
+  // The value of `test` applied to two branches and then to any further
+  // arguments: a conditional. The branch not taken is dropped, with the
+  // references it held.
+  int32_t choice(int32_t test, const Term* const* args, int n) {
+    if (n < 2) return -1;
+    int32_t yes = applied(*args[0], args + 2, n - 2);
+    int32_t no = applied(*args[1], args + 2, n - 2);
+    if (yes < 0 || no < 0) return -1;
+    Uses whenYes{}, whenNo{};
+    countUses(*args[1], whenYes);
+    countUses(*args[0], whenNo);
+    return emit({Expr::kChoice, 0, 0, test, yes, no, dropLists(whenYes, whenNo), nullptr, nullptr});
+  }
+
+  // The index of a pair of drop lists, or -1 when both are empty.
+  int64_t dropLists(const Uses& first, const Uses& second) {
+    if (first == Uses{} && second == Uses{}) return -1;
+    out_.drops.push_back(first);
+    out_.drops.push_back(second);
+    return int64_t(out_.drops.size() - 2);
+  }
+
+  // The element builtins the evaluator runs itself.
+  bool dataOf(const Term& h, Expr& kind) {
+    if (!isName(textOf(h))) return false;
+    const Builtin* b = slotOfLeaf(h).builtin;
+    if (!b) return false;
+    if (b->name == "look") kind = Expr::kLook;
+    else if (b->name == "cork") kind = Expr::kCork;
+    else return false;
+    return true;
+  }
+
   // A condition: & | ! of conditions, or any expression giving K or H.
   int32_t condition(const Term& t) {
     if (t.isApp() && !isData(t)) {
@@ -304,7 +370,17 @@ class Compiler {
     int32_t a = condition(*args[0]);
     int32_t b = logic == Logic::kNot ? -1 : condition(*args[1]);
     if (a < 0 || (logic != Logic::kNot && b < 0)) return -1;
-    return emit({Expr::kLogic, uint8_t(logic), 0, a, b, -1, 0, nullptr, nullptr});
+    // A second condition not looked at is dropped.
+    int64_t drop = -1;
+    if (logic != Logic::kNot) {
+      Uses unused{};
+      countUses(*args[1], unused);
+      if (unused != Uses{}) {
+        out_.drops.push_back(unused);
+        drop = int64_t(out_.drops.size() - 1);
+      }
+    }
+    return emit({Expr::kLogic, uint8_t(logic), 0, a, b, -1, drop, nullptr, nullptr});
   }
 
   // The prelude's & (q r H), | (q K r) and ! (p H K), while they hold.
@@ -449,6 +525,8 @@ void compile(GlobalSlot& s, DirectCode& d) {
   buildTemplate(s, d);
   d.code.clear();
   d.callArgs.clear();
+  d.drops.clear();
+  d.uses = Uses{};
   d.reads.clear();
   d.runnable = false;
   d.root = -1;
@@ -466,6 +544,7 @@ void compile(GlobalSlot& s, DirectCode& d) {
   if (!preludeLawsHold(d.reads)) return;
   annotate(*body);  // as the machine's first substitution would
   Compiler c(d, letters, d.params);
+  c.countUses(*body, d.uses);
   d.root = c.expr(*body);
   d.runnable = d.root >= 0;
 }
@@ -568,6 +647,145 @@ bool reserveArguments() {
   return true;
 }
 
+// ---- Vectors held by one holder -------------------------------------------------
+//
+// `cork` changes a vector in place when nothing but the application holds
+// it. The machine's references to a value are the occurrences of it in the
+// instance of the computation: in the bodies of the calls under way (a body
+// refers to an argument once per occurrence of its parameter), in arguments
+// already brought to values, and in the application of a builtin. The
+// evaluator holds its values by pointer, so for each vector that only the
+// call holds when it starts (no holder outside it) it counts those
+// references itself: a call adds each parameter's occurrences and removes
+// the argument, a choice removes what the branch not taken held, a builtin
+// removes its arguments once it is done, and `look` adds the element it
+// gives. A `cork` whose target is such a vector, held once, and still held by
+// nothing outside, is the machine's in-place update; anything else declines.
+//
+// Writes are logged so that an attempt abandoned after a write can be
+// undone before the machine redoes the call: the slot's old element stays in
+// the log until the attempt ends.
+
+struct Tracked {
+  Node* node;
+  int64_t held;      // references in the computation under way
+  uint32_t outside;  // references of the call's application, given up when it fires
+};
+Tracked tracked[kMaxParams];
+int trackedCount = 0;
+
+struct SlotWrite {
+  Node* vector;
+  size_t slot;
+  Node* old;  // owned by the log
+};
+std::vector<SlotWrite> slotWrites;
+
+Tracked* trackedOf(const Node* n) {
+  for (int i = 0; i < trackedCount; i++)
+    if (tracked[i].node == n) return &tracked[i];
+  return nullptr;
+}
+
+// A value's references change by delta.
+inline void held(const Val& v, int64_t delta) {
+  if (trackedCount == 0 || v.how() != How::kNode) [[likely]] return;
+  if (Tracked* t = trackedOf(v.node())) t->held += delta;
+}
+
+// A call's body takes the place of its application: each argument is held
+// once per occurrence of its parameter instead of once.
+inline void enter(const DirectCode* d, const Val* params) {
+  if (trackedCount == 0) [[likely]] return;
+  for (int k = 0; k < d->params; k++) held(params[k], int64_t(d->uses[size_t(k)]) - 1);
+}
+
+// A part of the body is dropped with the references it held.
+inline void drop(const DirectCode* d, int64_t list, const Val* params) {
+  if (trackedCount == 0 || list < 0) [[likely]] return;
+  const Uses& uses = d->drops[size_t(list)];
+  for (int k = 0; k < d->params; k++)
+    if (uses[size_t(k)]) held(params[k], -int64_t(uses[size_t(k)]));
+}
+
+void undoSlotWrites() {
+  for (size_t i = slotWrites.size(); i-- > 0;) {
+    const SlotWrite& w = slotWrites[i];
+    Node* now = w.vector->element(w.slot);
+    w.vector->setElementRaw(w.slot, w.old);
+    if (now) releaseNode(now);
+  }
+  slotWrites.clear();
+}
+
+void keepSlotWrites() {
+  if (slotWrites.empty()) return;
+  advanceMemoryEpoch();  // as each update of the machine does
+  for (const SlotWrite& w : slotWrites)
+    if (w.old) releaseNode(w.old);
+  slotWrites.clear();
+}
+
+Term escape(const Val& v);
+
+inline bool isVectorNode(const Node* n) { return n->isLeaf() && n->bytes()[0] == '\n'; }
+
+// A slot index: counted from the end when negative; false outside the vector.
+inline bool slotIndex(const Val& index, const Node* vector, size_t& slot) {
+  if (!index.isWord()) return false;
+  int64_t i = index.word(), n = int64_t(vector->size());
+  if (i < 0) i += n;
+  if (i < 0 || i >= n) return false;
+  slot = size_t(i);
+  return true;
+}
+
+inline Val valueOfNode(Node* n) {
+  int64_t w;
+  return wordOfLeaf(n, w) ? Val(w, n, How::kInteger) : Val(0, n, How::kNode);
+}
+
+// look on a vector's filled slot; anything else (a fresh Z, or another kind)
+// is the machine's.
+Val lookSlot(const Val& target, const Val& index) {
+  size_t slot;
+  if (target.how() != How::kNode || !isVectorNode(target.node()) || !slotIndex(index, target.node(), slot))
+    return kFailed;
+  Node* e = target.node()->element(slot);
+  if (!e) return kFailed;
+  held(target, -1);
+  Val r = valueOfNode(e);
+  held(r, 1);
+  return r;
+}
+
+// cork on a vector that the computation holds once, in place; the copy and
+// every failure are the machine's.
+Val corkSlot(const Val& target, const Val& index, const Val& value) {
+  size_t slot;
+  if (target.how() != How::kNode || !isVectorNode(target.node()) || !slotIndex(index, target.node(), slot))
+    return kFailed;
+  Node* v = target.node();
+  Tracked* t = trackedOf(v);
+  if (!t || t->held != 1 || v->count() != t->outside) return kFailed;
+  Node* old = v->element(slot);
+  if (old && trackedOf(old)) return kFailed;  // the log would hold it
+  bool empties = value.how() == How::kNode && value.node()->isLeaf() && value.node()->bytes()[0] == 'U' &&
+                 value.node()->bytes()[1] == 0;
+  Node* now = nullptr;
+  if (!empties) {
+    if ((value.how() == How::kNode || value.how() == How::kInteger) && value.node() == old) {
+      held(value, -1);
+      return target;  // the same element again: nothing changes
+    }
+    now = escape(value).detach();
+  }
+  v->setElementRaw(slot, now);
+  slotWrites.push_back({v, slot, old});
+  held(value, -1);
+  return target;
+}
+
 Val eval(const DirectCode* d, int32_t at, const Val* params);
 
 // An operand: parameters and literals are read here, without a frame.
@@ -592,14 +810,22 @@ int truth(const DirectCode* d, int32_t at, const Val* params) {
       Val x = operand(d, in.a, params);
       Val y = x.failed() ? x : operand(d, in.b, params);
       c = y.failed() ? y : compare(Compare(in.op), x, y);
+      held(x, -1);
+      held(y, -1);
       break;
     }
     case Expr::kLogic: {
       int a = truth(d, in.a, params);
       if (a < 0) return a;
       switch (Logic(in.op)) {
-        case Logic::kAnd: return a ? truth(d, in.b, params) : 0;
-        case Logic::kOr: return a ? 1 : truth(d, in.b, params);
+        case Logic::kAnd:
+          if (a) return truth(d, in.b, params);
+          drop(d, in.word, params);
+          return 0;
+        case Logic::kOr:
+          if (!a) return truth(d, in.b, params);
+          drop(d, in.word, params);
+          return 1;
         case Logic::kNot: return !a;
       }
       return -1;
@@ -642,13 +868,29 @@ Val eval(const DirectCode* d, int32_t at, const Val* params) {
         if (x.failed()) { r = kFailed; break; }
         Val y = operand(d, in.b, params);
         r = y.failed() ? kFailed : compare(Compare(in.op), x, y);
+        held(x, -1);
+        held(y, -1);
         break;
       }
       case Expr::kChoice: {
         int yes = truth(d, in.a, params);
         if (yes < 0) { r = kFailed; break; }
+        drop(d, in.word < 0 ? -1 : in.word + !yes, params);
         at = yes ? in.b : in.c;
         continue;  // the branch is in tail position
+      }
+      case Expr::kLook: {
+        Val x = operand(d, in.a, params);
+        Val i = x.failed() ? x : operand(d, in.b, params);
+        r = i.failed() ? kFailed : lookSlot(x, i);
+        break;
+      }
+      case Expr::kCork: {
+        Val x = operand(d, in.a, params);
+        Val i = x.failed() ? x : operand(d, in.b, params);
+        Val v = i.failed() ? i : operand(d, in.c, params);
+        r = v.failed() ? kFailed : corkSlot(x, i, v);
+        break;
       }
       case Expr::kLogic: r = kFailed; break;  // compiled only as a condition
       case Expr::kCall: {
@@ -669,6 +911,7 @@ Val eval(const DirectCode* d, int32_t at, const Val* params) {
           args = mark;
           argTop = mark + in.argc;
         }
+        enter(callee, args);
         d = callee;
         params = args;
         at = callee->root;
@@ -731,26 +974,47 @@ namespace {
 
 // The direct evaluation of a call of d's definition; false where it is not
 // taken or was abandoned.
-bool evaluate(DirectCode* d, const Term* const* args, int argc, Term& result) {
+bool evaluate(DirectCode* d, const Term& call, const Term* const* args, int argc, Term& result) {
   if (!d->runnable || d->params != argc) return false;
   if (!argBase && !reserveArguments()) [[unlikely]] return false;
   Val* params = argTop;
   argTop += argc;
-  for (int i = 0; i < argc; i++) {
+  for (int i = 0; i < argc; i++) params[i] = valueOfNode(args[i]->node());
+  // The vectors that only the application holds: its spine nodes above them
+  // are held by nothing else, so firing gives up every reference to them.
+  trackedCount = 0;
+  const Node* spine = call.node();
+  bool released = true;
+  for (int i = argc - 1; i >= 0; i--, spine = spine->leftNode()) {
+    released = released && spine->count() == 1;
     Node* n = args[i]->node();
-    int64_t w;
-    params[i] = wordOfLeaf(n, w) ? Val(w, n, How::kInteger) : Val(0, n, How::kNode);
+    if (!released || !isVectorNode(n)) continue;
+    Tracked* t = trackedOf(n);
+    if (!t) {
+      t = &tracked[trackedCount++];
+      *t = {n, 0, 0};
+    }
+    t->held++;
+    t->outside++;
   }
+  int kept = 0;
+  for (int i = 0; i < trackedCount; i++)
+    if (tracked[i].node->count() == tracked[i].outside) tracked[kept++] = tracked[i];
+  trackedCount = kept;
+  enter(d, params);
   depth = 0;
   Val r = eval(d, d->root, params);
   argTop = params;
+  trackedCount = 0;
   if (r.failed()) {
+    undoSlotWrites();
     d->runnable = false;  // not again until the definition changes
     callsDeclined++;
     return false;
   }
   callsTaken++;
   result = escape(r);
+  keepSlotWrites();
   return true;
 }
 
@@ -780,18 +1044,18 @@ bool instantiate(const DirectCode* d, const Term* const* args, int argc, Term& r
 
 }  // namespace
 
-bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) {
-  return gFastPaths && evaluate(codeOf(s), args, argc, result);
+bool callDirect(GlobalSlot& s, const Term& call, const Term* const* args, int argc, Term& result) {
+  return gFastPaths && evaluate(codeOf(s), call, args, argc, result);
 }
 
 bool instantiateDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) {
   return gFastPaths && instantiate(codeOf(s), args, argc, result);
 }
 
-bool fireDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result) {
+bool fireDirect(GlobalSlot& s, const Term& call, const Term* const* args, int argc, Term& result) {
   if (!gFastPaths) return false;
   DirectCode* d = codeOf(s);
-  return evaluate(d, args, argc, result) || instantiate(d, args, argc, result);
+  return evaluate(d, call, args, argc, result) || instantiate(d, args, argc, result);
 }
 
 // ---- Operators in the machine -------------------------------------------------------

@@ -11,16 +11,24 @@
 // its parameters; integer literals and other closed value literals; the
 // operators + - * / % < > = # (through their prelude globals or the builtin
 // names) applied to two operands; conditionals, a comparison or a call
-// applied to two branches, read through the prelude laws of K and H; and
-// saturated calls of other such definitions. Integers are machine words in
-// the evaluator and become leaves only when they leave it.
+// applied to two branches and possibly further arguments, read through the
+// prelude laws of K, H and I; `look` and `cork` on vectors; and saturated
+// calls of other such definitions. Integers are machine words in the
+// evaluator and become leaves only when they leave it.
+//
+// Vectors. `look` reads a filled slot. `cork` updates in place exactly where
+// the machine would: the vector is held by nothing outside the call, and the
+// computation under way holds it once (the evaluator counts the references
+// the machine's instances of the bodies would hold). Writes are logged, and
+// undone if the attempt is abandoned later.
 //
 // When it declines. Anything outside a word's range, a zero divisor, an
-// operand that is not an integer, a condition that is not K or H, or a
-// callee that cannot be compiled ends the attempt: nothing has been written
-// but annotations the machine would also have made, so the machine redoes
-// the call. A definition whose attempt was abandoned is not tried again
-// until it changes.
+// operand that is not an integer, a condition that is not K or H, a callee
+// that cannot be compiled, or an element operation the machine would answer
+// with a new value (a copy, a Z) ends the attempt: any slot written is put
+// back, nothing else has been written but annotations the machine would also
+// have made, and the machine redoes the call. A definition whose attempt was
+// abandoned is not tried again until it changes.
 //
 // Invalidation. Compiled code depends on the definition, its callees, the
 // operator globals it reads and K, H and I. It is checked against the
@@ -35,9 +43,11 @@
 
 namespace tarn {
 
-// Evaluates (s args...) directly. argc is the number of the definition's
-// parameters. False: not taken, nothing observable happened.
-bool callDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result);
+// Evaluates the application call = (s args...) directly. argc is the number
+// of the definition's parameters; args point into call, which the caller
+// gives up once the result replaces it. False: not taken, nothing observable
+// happened.
+bool callDirect(GlobalSlot& s, const Term& call, const Term* const* args, int argc, Term& result);
 
 // The body of s with the arguments for its parameters, built from a
 // template made once per definition: the same nodes, annotated alike, as
@@ -46,7 +56,7 @@ bool instantiateDirect(GlobalSlot& s, const Term* const* args, int argc, Term& r
 
 // callDirect, or else instantiateDirect: what the machine's global-name rule
 // asks first. False: substitution does the work.
-bool fireDirect(GlobalSlot& s, const Term* const* args, int argc, Term& result);
+bool fireDirect(GlobalSlot& s, const Term& call, const Term* const* args, int argc, Term& result);
 
 // An over-applied operator (op a b c...) whose global still stands for a
 // number builtin and whose operands are values: the builtin is called at

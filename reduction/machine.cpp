@@ -268,7 +268,7 @@ void contract(Machine& m) {
     case Head::kReal: return fireReal(m, head, *args[0]);
     case Head::kMemo: return fireMemo(m, head, *args[0]);
     case Head::kUndefined: return fireUndefined(m, *args[0]);
-    case Head::kGlobal: return fireGlobal(m, head, args, argc);
+    case Head::kGlobal: return fireGlobal(m, x, head, args, argc);
   }
 }
 

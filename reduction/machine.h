@@ -76,7 +76,7 @@ void fireBlob(Machine& m, const Term& head);
 void fireReal(Machine& m, const Term& head, const Term& a1);
 void fireMemo(Machine& m, const Term& head, const Term& x);
 void fireUndefined(Machine& m, const Term& a1);
-void fireGlobal(Machine& m, const Term& head, const Term* const* args, int argc);
+void fireGlobal(Machine& m, const Term& call, const Term& head, const Term* const* args, int argc);
 
 // Ends the evaluation with r: the continuation is dropped.
 void endWith(Machine& m, Term r);

@@ -193,7 +193,7 @@ void fireUndefined(Machine& m, const Term& a1) {
 
 // A global name: parameters are substituted by the arguments; a
 // parameterless definition is evaluated once and its value written back.
-void fireGlobal(Machine& m, const Term& head, const Term* const* args, int argc) {
+void fireGlobal(Machine& m, const Term& call, const Term& head, const Term* const* args, int argc) {
   GlobalSlot& s = slotOfLeaf(head);
   if (!s.value) {
     endWith(m, leaf("]" + nameOf(head)));
@@ -204,7 +204,7 @@ void fireGlobal(Machine& m, const Term& head, const Term* const* args, int argc)
     TARN_ASSERT(argc == int(s.params.size()));
     // First-order integer definitions run directly when they can, and a
     // body with a template is built from it.
-    if (fireDirect(s, args, argc, m.control)) return;
+    if (fireDirect(s, call, args, argc, m.control)) return;
     const Term* values[26];  // read only at the letters of mask
     uint32_t mask = 0;
     for (int i = 0; i < argc; i++) {
