@@ -176,6 +176,65 @@ class Gen:
         return 'a\\' + main + ',seq\\x\\y\\y,' + ','.join(defs)
 
 
+class VectorGen:
+    """Programs that thread vectors through `cork` and `look` in loops: fresh
+    vectors, a memoised global that must never change, the same vector passed
+    twice, emptied slots, indexes out of range, and arithmetic that leaves a
+    machine word after some updates were made."""
+
+    def __init__(self, rng):
+        self.r = rng
+
+    def index(self, n):
+        r = self.r
+        return r.choice(['i', 'i', 'i', '0', '01', 'n-1', 'i%' + str(r.randint(1, 5)), lit(r.randint(-6, 9))])
+
+    def element(self):
+        r = self.r
+        return r.choice(['i', 'i*i', 'n-i', '7', 'look(v,0)', 'look(v,i%2)', 'U', 'i*33333333333333333',
+                         '(i>2)K(H)', 'i+look(v,%s)' % self.index('n')])
+
+    def program(self):
+        r = self.r
+        e1, e2 = self.element(), self.element()
+        i1, i2 = self.index('n'), self.index('n')
+        defs = [
+            # One vector threaded through a loop; the choice passes it on.
+            'fa\\v\\i\\n\\(i<n)(fa(cork(v,%s,%s),i+1,n))v' % (i1, e1),
+            'fb\\i\\n\\v\\(i>n)I(fb(i+1,n))(cork(v,%s,%s))' % (i2, e2),
+            'fg\\i\\n\\v\\(i>n)I(fh(i,n))v,fh\\i\\n\\v\\fg(i+1,n,cork(v,%s,%s))' % (i1, e2),
+            # Two vectors, which may be one.
+            'fc\\v\\w\\i\\n\\(i<n)(fc(cork(w,%s,look(v,%s)),v,i+1,n))(seq(v,w))' % (i1, i2),
+            'fi\\v\\w\\i\\(i<3)(fi(v,cork(w,i,%s),i+1))(seq(w,v))' % r.choice(['i', 'i*i', '7', 'look(w,0)', 'U', '(i>2)K(H)']),
+            # Read after an update of a vector held twice: the old view stays.
+            'fd\\v\\i\\n\\seq(cork(v,i,%s),look(v,i))' % e1,
+            'fe\\v\\i\\n\\s\\(i<n)(fe(v,i+1,n,s+look(v,%s)-look(v,%s)))s' % (i1, i2),
+            'ff\\v\\w\\fc(v,w,0,3)',
+            'gv\\cray/0*6',
+        ]
+        sizes = [r.choice([1, 3, 6, 10]) for _ in range(3)]
+        fresh = lambda k: 'cray/%s*%d' % (r.choice(['0', '5', 'K']), sizes[k])
+        calls = [
+            'fa(%s,0,%d)' % (fresh(0), r.randint(0, 12)),
+            'fa(gv,0,%d)' % r.randint(0, 8),
+            'fb(0,%s,%s)' % (lit(r.randint(-1, 9)), fresh(1)),
+            'fg(0,%s,%s)' % (lit(r.randint(-1, 9)), fresh(2)),
+            'fc(%s,%s,0,%d)' % (fresh(0), fresh(2), r.randint(0, 6)),
+            'fc(gv,%s,0,%d)' % (fresh(1), r.randint(0, 6)),
+            'ff(%s,%s)' % (fresh(2), fresh(2)),
+            'fi(gv,%s,0)' % fresh(1),
+            'fd(%s,%s,4)' % (fresh(0), lit(r.randint(-3, 8))),
+            'fe(fa(%s,0,5),0,%d,0)' % (fresh(1), r.randint(0, 9)),
+            'gv',
+        ]
+        r.shuffle(calls)
+        shows = calls[:r.randint(2, len(calls))] + ['gv']
+        main = '0'
+        for s in reversed(shows):
+            main = 'seq(puts(lisp(%s)),%s)' % (s, main)
+        return 'a\\' + main + ',seq\\x\\y\\y,' + ','.join(defs)
+
+
 def main():
     tarn, slow, golden = (os.path.abspath(a) for a in sys.argv[1:4])
     count = int(sys.argv[4]) if len(sys.argv) > 4 else 300
@@ -208,6 +267,13 @@ def main():
             with open(path, 'w') as f:
                 f.write(source)
             compare('generated %d' % i, [path], work, None, source)
+        vectors = VectorGen(random.Random(20261125))
+        for i in range(count // 3):
+            source = vectors.program()
+            path = os.path.join(work, 'v%d.tarn' % i)
+            with open(path, 'w') as f:
+                f.write(source)
+            compare('vectors %d' % i, [path], work, None, source)
     print('%d programs, %d differ' % (checked, failures))
     return 1 if failures else 0
 

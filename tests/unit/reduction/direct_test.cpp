@@ -193,5 +193,53 @@ TEST_F(Direct_, AMemoryWriteToALiteralIsSeen) {
   advanceMemoryEpoch();
 }
 
+// A vector of n slots holding 0, held by the caller alone.
+Term zeros(int n) { return reduce(term("cray/0*" + std::to_string(n))); }
+
+// (name v rest) reduced, with the vector moved in: the call is its only
+// holder.
+Term callOn(bool fast, const char* name, Term v, const char* rest) {
+  setFastPaths(fast);
+  Term r = reduce(App(App(leaf(name), std::move(v)), term(rest)));
+  setFastPaths(true);
+  return r;
+}
+
+TEST_F(Direct_, VectorsUpdateInPlaceOnlyForASoleHolder) {
+  program(
+      "0,seq\\x\\y\\y,fill\\v\\i\\(i<3)(fill(cork(v,i,look(v,i)+i+1),i+1))v,"
+      "both\\v\\w\\seq(cork(v,0,9),look(w,0)),twice\\v\\x\\both(v,v),"
+      "spoil\\v\\i\\(i<3)(spoil(cork(v,i,look(v,i)+1),i+1))(keep(v,i*99999999999999999)),keep\\v\\x\\v");
+  for (bool fast : {true, false}) {
+    SCOPED_TRACE(fast ? "fast" : "slow");
+    // Sole holder: every update lands in the vector itself.
+    Term v = zeros(4);
+    Node* address = v.node();
+    uint64_t taken = directCalls();
+    Term r = callOn(fast, "fill", std::move(v), "0");
+    EXPECT_EQ(r.node(), address);
+    EXPECT_EQ(directCalls() > taken, fast);
+    for (int i = 0; i < 3; i++) EXPECT_EQ(textOf(elementOf(r, size_t(i))), std::to_string(i + 1));
+
+    // Another holder keeps its view; the update goes to a copy.
+    Term held = zeros(4);
+    Term copy = callOn(fast, "fill", held, "0");
+    EXPECT_FALSE(copy.same(held));
+    EXPECT_EQ(textOf(elementOf(held, 0)), "0");
+    EXPECT_EQ(textOf(elementOf(copy, 2)), "3");
+
+    // One vector passed twice is held twice: the read sees the old slot.
+    EXPECT_EQ(printTerm(callOn(fast, "twice", zeros(2), "K")), "0");
+
+    // An attempt given up after some updates leaves no trace of them: the
+    // machine's redo counts from 0 again.
+    Term w = zeros(4);
+    Node* at = w.node();
+    Term spoilt = callOn(fast, "spoil", std::move(w), "0");
+    EXPECT_EQ(spoilt.node(), at);
+    for (int i = 0; i < 3; i++) EXPECT_EQ(textOf(elementOf(spoilt, size_t(i))), "1");
+  }
+}
+
 }  // namespace
 }  // namespace tarn
