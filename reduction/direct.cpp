@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <array>
+#include <deque>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -132,6 +133,7 @@ struct DirectCode {
   std::vector<Instr> code;
   std::vector<int32_t> callArgs;
   Uses uses{};              // each parameter's occurrences in the body
+  uint16_t usedOtherThanOnce = 0;  // the parameters whose uses are not 1, as bits
   std::vector<Uses> drops;  // what a choice or a logic operator leaves untaken
   Term value;  // the definition compiled: keeps the literal nodes alive
 };
@@ -527,6 +529,7 @@ void compile(GlobalSlot& s, DirectCode& d) {
   d.callArgs.clear();
   d.drops.clear();
   d.uses = Uses{};
+  d.usedOtherThanOnce = 0;
   d.reads.clear();
   d.runnable = false;
   d.root = -1;
@@ -545,6 +548,8 @@ void compile(GlobalSlot& s, DirectCode& d) {
   annotate(*body);  // as the machine's first substitution would
   Compiler c(d, letters, d.params);
   c.countUses(*body, d.uses);
+  for (int k = 0; k < d.params; k++)
+    if (d.uses[size_t(k)] != 1) d.usedOtherThanOnce |= uint16_t(1u << k);
   d.root = c.expr(*body);
   d.runnable = d.root >= 0;
 }
@@ -679,7 +684,7 @@ struct SlotWrite {
   size_t slot;
   Node* old;  // owned by the log
 };
-std::vector<SlotWrite> slotWrites;
+std::deque<SlotWrite> slotWrites;  // no copying as it grows
 
 Tracked* trackedOf(const Node* n) {
   for (int i = 0; i < trackedCount; i++)
@@ -687,21 +692,28 @@ Tracked* trackedOf(const Node* n) {
   return nullptr;
 }
 
+[[gnu::noinline]] void heldSlow(Node* n, int64_t delta) {
+  if (Tracked* t = trackedOf(n)) t->held += delta;
+}
+
 // A value's references change by delta.
-inline void held(const Val& v, int64_t delta) {
+[[gnu::always_inline]] inline void held(const Val& v, int64_t delta) {
   if (trackedCount == 0 || v.how() != How::kNode) [[likely]] return;
-  if (Tracked* t = trackedOf(v.node())) t->held += delta;
+  heldSlow(v.node(), delta);
 }
 
 // A call's body takes the place of its application: each argument is held
 // once per occurrence of its parameter instead of once.
-inline void enter(const DirectCode* d, const Val* params) {
-  if (trackedCount == 0) [[likely]] return;
-  for (int k = 0; k < d->params; k++) held(params[k], int64_t(d->uses[size_t(k)]) - 1);
+[[gnu::always_inline]] inline void enter(const DirectCode* d, const Val* params) {
+  if (trackedCount == 0 || d->usedOtherThanOnce == 0) [[likely]] return;
+  for (unsigned bits = d->usedOtherThanOnce; bits; bits &= bits - 1) {
+    int k = __builtin_ctz(bits);
+    held(params[k], int64_t(d->uses[size_t(k)]) - 1);
+  }
 }
 
 // A part of the body is dropped with the references it held.
-inline void drop(const DirectCode* d, int64_t list, const Val* params) {
+[[gnu::always_inline]] inline void drop(const DirectCode* d, int64_t list, const Val* params) {
   if (trackedCount == 0 || list < 0) [[likely]] return;
   const Uses& uses = d->drops[size_t(list)];
   for (int k = 0; k < d->params; k++)
@@ -788,14 +800,57 @@ Val corkSlot(const Val& target, const Val& index, const Val& value) {
 
 Val eval(const DirectCode* d, int32_t at, const Val* params);
 
-// An operand: parameters and literals are read here, without a frame.
+Val strict(const DirectCode* d, const Instr& in, const Val* params);
+
+// An operand: parameters and literals are read here, without a frame. The
+// common kinds are tested one by one before the general dispatch, so that
+// each test site learns its own pattern.
 inline Val operand(const DirectCode* d, int32_t at, const Val* params) {
   const Instr& in = d->code[size_t(at)];
+  if (in.kind == Expr::kParam) [[likely]] return params[in.word];
+  if (in.kind == Expr::kInteger) return Val(in.word, in.node, How::kInteger);
   switch (in.kind) {
-    case Expr::kParam: return params[in.word];
-    case Expr::kInteger: return Val(in.word, in.node, How::kInteger);
     case Expr::kLiteral: return Val(0, in.node, How::kNode);
+    case Expr::kArith:
+    case Expr::kCompare:
+    case Expr::kLook:
+    case Expr::kCork: return strict(d, in, params);
     default: return eval(d, at, params);
+  }
+}
+
+// An operator or element builtin on its operands, evaluated left to right.
+// Only calls nest evaluations (and count towards the depth), so these run
+// in the frame of whoever needs their value.
+Val strict(const DirectCode* d, const Instr& in, const Val* params) {
+  switch (in.kind) {
+    case Expr::kArith: {
+      Val x = operand(d, in.a, params);
+      if (!x.isWord()) return kFailed;
+      Val y = operand(d, in.b, params);
+      return y.isWord() ? arith(Arith(in.op), x.word(), y.word()) : kFailed;
+    }
+    case Expr::kCompare: {
+      Val x = operand(d, in.a, params);
+      if (x.failed()) return kFailed;
+      Val y = operand(d, in.b, params);
+      Val r = y.failed() ? kFailed : compare(Compare(in.op), x, y);
+      held(x, -1);
+      held(y, -1);
+      return r;
+    }
+    case Expr::kLook: {
+      Val x = operand(d, in.a, params);
+      Val i = x.failed() ? x : operand(d, in.b, params);
+      return i.failed() ? kFailed : lookSlot(x, i);
+    }
+    case Expr::kCork: {
+      Val x = operand(d, in.a, params);
+      Val i = x.failed() ? x : operand(d, in.b, params);
+      Val v = i.failed() ? i : operand(d, in.c, params);
+      return v.failed() ? kFailed : corkSlot(x, i, v);
+    }
+    default: TARN_ASSERT(false); return kFailed;
   }
 }
 
@@ -805,15 +860,23 @@ inline Val operand(const DirectCode* d, int32_t at, const Val* params) {
 int truth(const DirectCode* d, int32_t at, const Val* params) {
   const Instr& in = d->code[size_t(at)];
   Val c;
-  switch (in.kind) {
-    case Expr::kCompare: {
-      Val x = operand(d, in.a, params);
-      Val y = x.failed() ? x : operand(d, in.b, params);
-      c = y.failed() ? y : compare(Compare(in.op), x, y);
-      held(x, -1);
-      held(y, -1);
-      break;
+  if (in.kind == Expr::kCompare) [[likely]] {
+    Val x = operand(d, in.a, params);
+    Val y = x.failed() ? x : operand(d, in.b, params);
+    if (x.isWord() && y.isWord()) [[likely]] {
+      switch (Compare(in.op)) {
+        case Compare::kLess: return x.word() < y.word();
+        case Compare::kGreaterEq: return x.word() >= y.word();
+        case Compare::kSame: return x.word() == y.word();
+        case Compare::kDiff: return x.word() != y.word();
+      }
     }
+    c = y.failed() ? y : compare(Compare(in.op), x, y);
+    held(x, -1);
+    held(y, -1);
+    return c.how() == How::kYes ? 1 : c.how() == How::kNo ? 0 : -1;
+  }
+  switch (in.kind) {
     case Expr::kLogic: {
       int a = truth(d, in.a, params);
       if (a < 0) return a;
@@ -856,41 +919,16 @@ Val eval(const DirectCode* d, int32_t at, const Val* params) {
       case Expr::kParam: r = params[in.word]; break;
       case Expr::kInteger: r = Val(in.word, in.node, How::kInteger); break;
       case Expr::kLiteral: r = Val(0, in.node, How::kNode); break;
-      case Expr::kArith: {
-        Val x = operand(d, in.a, params);
-        if (!x.isWord()) { r = kFailed; break; }
-        Val y = operand(d, in.b, params);
-        r = y.isWord() ? arith(Arith(in.op), x.word(), y.word()) : kFailed;
-        break;
-      }
-      case Expr::kCompare: {
-        Val x = operand(d, in.a, params);
-        if (x.failed()) { r = kFailed; break; }
-        Val y = operand(d, in.b, params);
-        r = y.failed() ? kFailed : compare(Compare(in.op), x, y);
-        held(x, -1);
-        held(y, -1);
-        break;
-      }
+      case Expr::kArith:
+      case Expr::kCompare:
+      case Expr::kLook:
+      case Expr::kCork: r = strict(d, in, params); break;
       case Expr::kChoice: {
         int yes = truth(d, in.a, params);
         if (yes < 0) { r = kFailed; break; }
         drop(d, in.word < 0 ? -1 : in.word + !yes, params);
         at = yes ? in.b : in.c;
         continue;  // the branch is in tail position
-      }
-      case Expr::kLook: {
-        Val x = operand(d, in.a, params);
-        Val i = x.failed() ? x : operand(d, in.b, params);
-        r = i.failed() ? kFailed : lookSlot(x, i);
-        break;
-      }
-      case Expr::kCork: {
-        Val x = operand(d, in.a, params);
-        Val i = x.failed() ? x : operand(d, in.b, params);
-        Val v = i.failed() ? i : operand(d, in.c, params);
-        r = v.failed() ? kFailed : corkSlot(x, i, v);
-        break;
       }
       case Expr::kLogic: r = kFailed; break;  // compiled only as a condition
       case Expr::kCall: {
@@ -907,7 +945,7 @@ Val eval(const DirectCode* d, int32_t at, const Val* params) {
         // The callee's body is in tail position: when our own parameters are
         // room of this frame, the arguments move down over them.
         if (params >= mark && params < args) {
-          std::copy(args, args + in.argc, mark);
+          for (int i = 0; i < in.argc; i++) mark[i] = args[i];  // a few words: no memmove call
           args = mark;
           argTop = mark + in.argc;
         }
