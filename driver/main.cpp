@@ -7,6 +7,7 @@
 #include "driver/driver.h"
 #include "driver/signals.h"
 #include "driver/stack.h"
+#include "terms/failure.h"
 #ifdef TARN_NO_FAST_PATHS
 #include "reduction/direct.h"
 #endif
@@ -20,6 +21,7 @@
 int main(int argc, char** argv) {
   tarn::adoptOutputBuffer();
   tarn::installFatalSignalHandlers();
+  tarn::endOnMemoryExhaustion();
 #ifdef TARN_NO_FAST_PATHS
   tarn::setFastPaths(false);  // the test build that compares against the plain machine
 #endif

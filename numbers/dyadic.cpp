@@ -191,7 +191,9 @@ Dyadic dyadicMul(const Dyadic& a, const Dyadic& b) {
   // Odd times odd is odd: no normalisation needed.
   Dyadic d;
   d.mant = natMul(a.mant, b.mant);
-  d.exp = a.exp + b.exp;
+  // Exponents this large come only from repeated squaring, and no text in
+  // memory could ever hold the result: memory is exhausted.
+  if (__builtin_add_overflow(a.exp, b.exp, &d.exp)) TARN_FAIL();
   return d;
 }
 

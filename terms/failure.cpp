@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 
 namespace tarn {
 
@@ -18,6 +19,10 @@ void fatalAssertion(const char* file, int line) {
   std::fprintf(stderr, "ASSERTION FAILED:%s:%d\n", file, line);
   std::fflush(stderr);
   std::abort();
+}
+
+void endOnMemoryExhaustion() {
+  std::set_new_handler([] { fatalAssertion(__FILE_NAME__, __LINE__); });
 }
 
 void internalFailure(const char* tag) {

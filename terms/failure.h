@@ -19,6 +19,12 @@ namespace tarn {
 using FatalHook = void (*)(const char* file, int line);
 void setFatalHook(FatalHook hook);
 
+// Memory the host cannot grant ends the program as the node allocator's
+// exhaustion does, with a fatal assertion, for every allocation made with
+// `new` (the library's strings and containers included) rather than an
+// uncaught exception.
+void endOnMemoryExhaustion();
+
 }  // namespace tarn
 
 // TARN_ASSERT(cond): a fatal assertion when cond is false. Always on.

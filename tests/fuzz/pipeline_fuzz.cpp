@@ -127,6 +127,7 @@ int runOneInput(const uint8_t* data, size_t size) {
 int main(int argc, char** argv) {
   installBuiltins(harnessTable());
   setFatalHook(throwAssertion);
+  endOnMemoryExhaustion();
   int status = 0;
   runWithLargeStack([&] { status = LLVMFuzzerRunDriver(&argc, &argv, runOneInput); });
   return status;
