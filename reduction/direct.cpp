@@ -23,6 +23,7 @@
 
 #include "reduction/direct_code.h"
 #include "runtime/annotate.h"
+#include "terms/alphabet.h"
 #include "terms/failure.h"
 #include "terms/texts.h"
 
@@ -136,24 +137,36 @@ bool reserveArguments() {
   return true;
 }
 
-// ---- Vectors held by one holder -------------------------------------------------
+// ---- Vectors and blobs held by one holder ---------------------------------------
 //
-// `cork` changes a vector in place when nothing but the application holds
-// it. The machine's references to a value are the occurrences of it in the
+// `cork` changes a vector or a blob in place when nothing but the
+// application holds it. The machine's references to a value are the occurrences of it in the
 // instance of the computation: in the bodies of the calls under way (a body
 // refers to an argument once per occurrence of its parameter), in arguments
 // already brought to values, and in the application of a builtin. The
-// evaluator holds its values by pointer, so for each vector that only the
-// call holds when it starts (no holder outside it) it counts those
+// evaluator holds its values by pointer, so for each vector or blob that only
+// the call holds when it starts (no holder outside it) it counts those
 // references itself: a call adds each parameter's occurrences and removes
 // the argument, a choice removes what the branch not taken held, a builtin
 // removes its arguments once it is done, and `look` adds the element it
-// gives. A `cork` whose target is such a vector, held once, and still held by
+// gives. A `cork` whose target is such a value, held once, and still held by
 // nothing outside, is the machine's in-place update; anything else declines.
 //
 // Writes are logged so that an attempt abandoned after a write can be
-// undone before the machine redoes the call: the slot's old element stays in
-// the log until the attempt ends.
+// undone before the machine redoes the call: a slot's old element stays in
+// the log until the attempt ends, a blob's old byte is kept beside it.
+
+inline bool isVectorNode(const Node* n) { return n->isLeaf() && n->bytes()[0] == '\n'; }
+inline bool isBlobNode(const Node* n) { return n->isLeaf() && n->bytes()[0] == '('; }
+
+// A blob's bytes, after "(", its length in base-64 digits, and ")".
+unsigned char* blobData(Node* n, size_t* size = nullptr) {
+  unsigned char* t = n->bytes();
+  size_t close = 1, count = 0;
+  while (t[close] != ')') count = count * 64 + size_t(digitValue(t[close++]));
+  if (size) *size = count;
+  return t + close + 1;
+}
 
 struct Tracked {
   Node* node;
@@ -164,9 +177,10 @@ Tracked tracked[kMaxParams];
 int trackedCount = 0;
 
 struct SlotWrite {
-  Node* vector;
-  size_t slot;
-  Node* old;  // owned by the log
+  Node* target;  // a vector or a blob
+  size_t slot;   // the element or byte
+  Node* old;     // a vector's old element, owned by the log
+  int oldByte;   // a blob's old byte; -1 for a vector
 };
 std::deque<SlotWrite> slotWrites;  // no copying as it grows
 
@@ -207,8 +221,12 @@ Tracked* trackedOf(const Node* n) {
 void undoSlotWrites() {
   for (size_t i = slotWrites.size(); i-- > 0;) {
     const SlotWrite& w = slotWrites[i];
-    Node* now = w.vector->element(w.slot);
-    w.vector->setElementRaw(w.slot, w.old);
+    if (w.oldByte >= 0) {
+      blobData(w.target)[w.slot] = uint8_t(w.oldByte);
+      continue;
+    }
+    Node* now = w.target->element(w.slot);
+    w.target->setElementRaw(w.slot, w.old);
     if (now) releaseNode(now);
   }
   slotWrites.clear();
@@ -224,12 +242,11 @@ void keepSlotWrites() {
 
 Term escape(const Val& v);
 
-inline bool isVectorNode(const Node* n) { return n->isLeaf() && n->bytes()[0] == '\n'; }
-
-// A slot index: counted from the end when negative; false outside the vector.
-inline bool slotIndex(const Val& index, const Node* vector, size_t& slot) {
+// An element index: counted from the end when negative; false outside the
+// n elements.
+inline bool slotIndex(const Val& index, size_t elements, size_t& slot) {
   if (!index.isWord()) return false;
-  int64_t i = index.word(), n = int64_t(vector->size());
+  int64_t i = index.word(), n = int64_t(elements);
   if (i < 0) i += n;
   if (i < 0 || i >= n) return false;
   slot = size_t(i);
@@ -241,13 +258,20 @@ inline Val valueOfNode(Node* n) {
   return wordOfLeaf(n, w) ? Val(w, n, How::kInteger) : Val(0, n, How::kNode);
 }
 
-// look on a vector's filled slot; anything else (a fresh Z, or another kind)
-// is the machine's.
+// look on a vector's filled slot or a blob's byte; anything else (a fresh Z,
+// or another kind) is the machine's.
 Val lookSlot(const Val& target, const Val& index) {
-  size_t slot;
-  if (target.how() != How::kNode || !isVectorNode(target.node()) || !slotIndex(index, target.node(), slot))
-    return kFailed;
-  Node* e = target.node()->element(slot);
+  if (target.how() != How::kNode) return kFailed;
+  Node* v = target.node();
+  size_t slot, size;
+  if (isBlobNode(v)) {
+    unsigned char* bytes = blobData(v, &size);
+    if (!slotIndex(index, size, slot)) return kFailed;
+    held(target, -1);
+    return {bytes[slot], nullptr, How::kSum};  // a new leaf, as the builtin makes
+  }
+  if (!isVectorNode(v) || !slotIndex(index, v->size(), slot)) return kFailed;
+  Node* e = v->element(slot);
   if (!e) return kFailed;
   held(target, -1);
   Val r = valueOfNode(e);
@@ -255,15 +279,25 @@ Val lookSlot(const Val& target, const Val& index) {
   return r;
 }
 
-// cork on a vector that the computation holds once, in place; the copy and
-// every failure are the machine's.
+// cork on a vector or a blob that the computation holds once, in place; the
+// copy and every failure are the machine's.
 Val corkSlot(const Val& target, const Val& index, const Val& value) {
-  size_t slot;
-  if (target.how() != How::kNode || !isVectorNode(target.node()) || !slotIndex(index, target.node(), slot))
-    return kFailed;
+  if (target.how() != How::kNode) return kFailed;
   Node* v = target.node();
+  bool blob = isBlobNode(v);
+  if (!blob && !isVectorNode(v)) return kFailed;
   Tracked* t = trackedOf(v);
   if (!t || t->held != 1 || v->count() != t->outside) return kFailed;
+  size_t slot, size;
+  if (blob) {
+    // The byte is the value's low byte.
+    unsigned char* bytes = blobData(v, &size);
+    if (!value.isWord() || !slotIndex(index, size, slot)) return kFailed;
+    slotWrites.push_back({v, slot, nullptr, bytes[slot]});
+    bytes[slot] = uint8_t(uint64_t(value.word()));
+    return target;
+  }
+  if (!slotIndex(index, v->size(), slot)) return kFailed;
   Node* old = v->element(slot);
   if (old && trackedOf(old)) return kFailed;  // the log would hold it
   bool empties = value.how() == How::kNode && value.node()->isLeaf() && value.node()->bytes()[0] == 'U' &&
@@ -277,7 +311,7 @@ Val corkSlot(const Val& target, const Val& index, const Val& value) {
     now = escape(value).detach();
   }
   v->setElementRaw(slot, now);
-  slotWrites.push_back({v, slot, old});
+  slotWrites.push_back({v, slot, old, -1});
   held(value, -1);
   return target;
 }
@@ -510,7 +544,7 @@ bool evaluate(DirectCode* d, const Term& call, const Term* const* args, int argc
   for (int i = argc - 1; i >= 0; i--, spine = spine->leftNode()) {
     released = released && spine->count() == 1;
     Node* n = args[i]->node();
-    if (!released || !isVectorNode(n)) continue;
+    if (!released || !(isVectorNode(n) || isBlobNode(n))) continue;
     Tracked* t = trackedOf(n);
     if (!t) {
       t = &tracked[trackedCount++];

@@ -12,15 +12,15 @@
 // operators + - * / % < > = # (through their prelude globals or the builtin
 // names) applied to two operands; conditionals, a comparison or a call
 // applied to two branches and possibly further arguments, read through the
-// prelude laws of K, H and I; `look` and `cork` on vectors; and saturated
-// calls of other such definitions. Integers are machine words in the
-// evaluator and become leaves only when they leave it.
+// prelude laws of K, H and I; `look` and `cork` on vectors and blobs; and
+// saturated calls of other such definitions. Integers are machine words in
+// the evaluator and become leaves only when they leave it.
 //
-// Vectors. `look` reads a filled slot. `cork` updates in place exactly where
-// the machine would: the vector is held by nothing outside the call, and the
-// computation under way holds it once (the evaluator counts the references
-// the machine's instances of the bodies would hold). Writes are logged, and
-// undone if the attempt is abandoned later.
+// Vectors and blobs. `look` reads a filled slot or a byte. `cork` updates in
+// place exactly where the machine would: the value is held by nothing outside
+// the call, and the computation under way holds it once (the evaluator counts
+// the references the machine's instances of the bodies would hold). Writes
+// are logged, and undone if the attempt is abandoned later.
 //
 // When it declines. Anything outside a word's range, a zero divisor, an
 // operand that is not an integer, a condition that is not K or H, a callee

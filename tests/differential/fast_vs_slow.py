@@ -177,8 +177,8 @@ class Gen:
 
 
 class VectorGen:
-    """Programs that thread vectors through `cork` and `look` in loops: fresh
-    vectors, a memoised global that must never change, the same vector passed
+    """Programs that thread vectors and blobs through `cork` and `look` in
+    loops: fresh ones, memoised globals that must never change, the same vector passed
     twice, emptied slots, indexes out of range, and arithmetic that leaves a
     machine word after some updates were made."""
 
@@ -211,9 +211,13 @@ class VectorGen:
             'fe\\v\\i\\n\\s\\(i<n)(fe(v,i+1,n,s+look(v,%s)-look(v,%s)))s' % (i1, i2),
             'ff\\v\\w\\fc(v,w,0,3)',
             'gv\\cray/0*6',
+            'gb\\cape[ab]*5',
         ]
         sizes = [r.choice([1, 3, 6, 10]) for _ in range(3)]
-        fresh = lambda k: 'cray/%s*%d' % (r.choice(['0', '5', 'K']), sizes[k])
+        def fresh(k):
+            if r.random() < 0.3:  # a blob: its elements are bytes
+                return 'cape[%s]*%d' % (r.choice(['a', 'xy', '07']), sizes[k])
+            return 'cray/%s*%d' % (r.choice(['0', '5', 'K']), sizes[k])
         calls = [
             'fa(%s,0,%d)' % (fresh(0), r.randint(0, 12)),
             'fa(gv,0,%d)' % r.randint(0, 8),
@@ -223,12 +227,14 @@ class VectorGen:
             'fc(gv,%s,0,%d)' % (fresh(1), r.randint(0, 6)),
             'ff(%s,%s)' % (fresh(2), fresh(2)),
             'fi(gv,%s,0)' % fresh(1),
+            'fa(gb,0,%d)' % r.randint(0, 6),
+            'fc(gb,%s,0,%d)' % (fresh(0), r.randint(0, 6)),
             'fd(%s,%s,4)' % (fresh(0), lit(r.randint(-3, 8))),
             'fe(fa(%s,0,5),0,%d,0)' % (fresh(1), r.randint(0, 9)),
             'gv',
         ]
         r.shuffle(calls)
-        shows = calls[:r.randint(2, len(calls))] + ['gv']
+        shows = calls[:r.randint(2, len(calls))] + ['gv', 'gb']
         main = '0'
         for s in reversed(shows):
             main = 'seq(puts(lisp(%s)),%s)' % (s, main)

@@ -238,6 +238,17 @@ TEST_F(Direct_, VectorsUpdateInPlaceOnlyForASoleHolder) {
     Term spoilt = callOn(fast, "spoil", std::move(w), "0");
     EXPECT_EQ(spoilt.node(), at);
     for (int i = 0; i < 3; i++) EXPECT_EQ(textOf(elementOf(spoilt, size_t(i))), "1");
+
+    // A blob's bytes follow the same rules.
+    Term b = reduce(term("cape[a]*4"));
+    Node* blob = b.node();
+    Term filled = callOn(fast, "fill", std::move(b), "0");
+    EXPECT_EQ(filled.node(), blob);
+    EXPECT_EQ(blobBytes(filled), "bcda");
+    Term heldBlob = reduce(term("cape[a]*4"));
+    EXPECT_EQ(blobBytes(callOn(fast, "fill", heldBlob, "0")), "bcda");
+    EXPECT_EQ(blobBytes(heldBlob), "aaaa");
+    EXPECT_EQ(blobBytes(callOn(fast, "spoil", reduce(term("cape[a]*4")), "0")), "bbba");
   }
 }
 
