@@ -108,11 +108,5 @@ TEST(Run, JudgementOfTheResult) {
   EXPECT_EQ(runMain(leaf("007")).tag, "range");  // a numb
 }
 
-TEST(Run, RangeReportsShowABalancedExcerpt) {
-  Report r = runProgram("a\\[" + std::string(80, 'x') + "]");
-  EXPECT_EQ(r.tag, "range");
-  EXPECT_EQ(r.tip, "[" + std::string(70, 'x') + "]");  // the excerpt closes what it opened
-}
-
 }  // namespace
 }  // namespace tarn

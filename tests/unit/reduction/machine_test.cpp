@@ -53,13 +53,6 @@ TEST_F(Machine_, OverApplicationPushesArgumentFrames) {
   EXPECT_EQ(reduced("fst K 2 5"), "K5");
 }
 
-TEST_F(Machine_, PendingPartsAreEvaluatedFunctionFirst) {
-  // Rule 5b: (I (K 1)) is pending on the left: evaluated with 2 waiting.
-  EXPECT_EQ(afterSteps("two (I 1) (I 2)", 1), "(BI (T I2) (two I1))");
-  // Rule 5c: left a value, the argument goes to control.
-  EXPECT_EQ(afterSteps("two 1 (I 2)", 1), "(BI two1 I2)");
-}
-
 TEST_F(Machine_, LazyPartialApplicationsTakeWaitingFramesFirst) {
   // (C K (M M)) is pending, but C is lazy and an argument frame waits: it is
   // saturated, and K drops (M M) without ever evaluating it.

@@ -1,4 +1,6 @@
-// Annotation: arity, pending work, free letters, data state and kinds.
+// Annotation: arity, pending work, free letters, data state and kinds. The
+// arity of globals up to eleven is the golden programs arity_10_parameters_run
+// and arity_at_11_parameters.
 #include <gtest/gtest.h>
 
 #include "runtime/annotate.h"
@@ -12,15 +14,8 @@ using testing::term;
 
 class Annotate : public ::testing::Test {
  protected:
-  void SetUp() override { program("0,ten\\a\\b\\c\\d\\e\\f\\g\\h\\i\\j\\0,eleven\\a\\b\\c\\d\\e\\f\\g\\h\\i\\j\\k\\0"); }
+  void SetUp() override { program("0"); }
 };
-
-TEST_F(Annotate, LocalLettersAreUnknownAndSticky) {
-  Term a = term("a"), ab = term("a b");
-  EXPECT_TRUE(arityOf(a) == 11 && freeSet(a) == 1u);
-  EXPECT_TRUE(arityOf(ab) == 11 && freeSet(ab) == 3u);
-  EXPECT_FALSE(ab.node()->pending() && arityOf(ab) < 1);
-}
 
 TEST_F(Annotate, BindersAndWingsTakeTheirNameFromTheFreeSet) {
   Term id = term("a\\a");
@@ -43,15 +38,6 @@ TEST_F(Annotate, DataAndMixedApplications) {
   Term mixed = App(term("[x]"), term("K"));
   EXPECT_FALSE(isData(mixed));
   EXPECT_EQ(arityOf(mixed), 0);
-}
-
-TEST_F(Annotate, GlobalArityCountsBindersUpToEleven) {
-  EXPECT_EQ(arityOf(term("ten")), 10);
-  EXPECT_EQ(arityOf(term("eleven")), 11);
-  EXPECT_EQ(arityOf(App(term("eleven"), term("0"))), 11);
-  EXPECT_EQ(arityOf(term("S")), 3);
-  EXPECT_EQ(arityOf(term("plus")), 2);
-  EXPECT_EQ(arityOf(leafByte('+')), 0);  // [+]\plus has no binder
 }
 
 TEST_F(Annotate, LeafArities) {

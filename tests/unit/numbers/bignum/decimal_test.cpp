@@ -1,14 +1,11 @@
-// Hint text arithmetic: the edge results, the machine-word boundaries, the
-// sinks, and the limb form underneath. The Term level has its own sign table
+// Hint text arithmetic: the edge results, the machine-word boundaries and
+// the limb form underneath. The Term level has its own sign table
 // on both paths (hint_test.cpp), and python3 checks every operation at every
 // size (tests/numbers).
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
-#include <functional>
 #include <string>
-#include <vector>
 
 #include "numbers/bignum/decimal.h"
 #include "numbers/bignum/decimal_limbs.h"
@@ -52,26 +49,18 @@ TEST(DecimalText, EdgeResults) {
   const std::string huge = "123456789012345678901234567891";
   const std::string rows[][4] = {
       // Sums: no negative zero; carries and borrows across limbs.
-      {"+", "5", "05", "0"}, {"+", "03", "1", "02"}, {"+", "0", "0", "0"}, {"+", "999", "1", "1000"},
-      {"-", "0", "0", "0"}, {"-", "07", "07", "0"}, {"-", "3", "010", "13"},
+      {"+", "5", "05", "0"}, {"+", "03", "1", "02"}, {"-", "07", "07", "0"}, {"-", "3", "010", "13"},
       {"+", "99999999999999999999999999", "1", "100000000000000000000000000"},
       {"+", "0100000000000000000000000000", "1", "099999999999999999999999999"},
       // Halves truncate and keep the sign; order is by value, never by text.
-      {"half", "03", "", "01"}, {"half", "1", "", "0"}, {"half", "01", "", "0"},
-      {"opp", "0", "", "0"}, {"opp", "0120", "", "120"},
-      {"cmp", "03", "02", "-1"}, {"cmp", "01", "0", "-1"}, {"cmp", "0", "0", "0"}, {"cmp", "100", "20", "1"},
-      // Divisions: the floor and remainder signs on the machine-word path,
-      // zero divisors, and a short dividend over a long divisor.
-      {"/", "7", "2", "3"}, {"/", "07", "2", "04"}, {"/", "7", "02", "04"}, {"/", "07", "02", "3"},
-      {"%", "7", "3", "1"}, {"%", "07", "3", "2"}, {"%", "7", "03", "2"}, {"%", "07", "03", "1"},
-      {"%", "6", "03", "0"}, {"/", "0", "05", "0"}, {"/", "0", "0", "Z"}, {"%", "5", "0", "Z"}, {"/", "1", "05", "01"},
+      {"half", "03", "", "01"}, {"half", "01", "", "0"}, {"opp", "0", "", "0"},
+      {"cmp", "03", "02", "-1"}, {"cmp", "01", "0", "-1"}, {"cmp", "100", "20", "1"},
+      // A short dividend over a long divisor. (The floor and remainder signs
+      // on the machine-word path are the golden program
+      // integer_signs_and_sizes and hint_test's table.)
       {"/", "1", "0" + big, "01"}, {"/", "01", "0" + big, "0"}, {"%", "1", "0" + big, big.substr(0, 38) + "0"},
-      // Products: the leading zero of a row sum goes once.
-      {"*", "99", "99", "9801"}, {"*", "099", "99", "09801"}, {"*", "099", "099", "9801"}, {"*", "05", "0", "0"},
-      // Powers: a negative exponent gives 0, exponent 0 gives 1, whatever the
-      // base; exponents beyond any memory for bases 0, 1 and -1.
-      {"^", "2", "10", "1024"}, {"^", "02", "3", "08"}, {"^", "02", "2", "4"}, {"^", "0", "0", "1"},
-      {"^", "5", "01", "0"}, {"^", "1", "01", "0"}, {"^", "01", "01", "0"}, {"^", "0", "5", "0"},
+      {"/", "0", "0", "Z"},
+      // Powers: exponents beyond any memory for bases 0, 1 and -1.
       {"^", "01", "8", "1"}, {"^", "01", huge, "01"}, {"^", "1", huge, "1"}, {"^", "0", huge, "0"},
   };
   for (const auto& r : rows) EXPECT_EQ(apply(r[0], r[1], r[2]), r[3]) << r[1] << " " << r[0] << " " << r[2];
@@ -96,55 +85,6 @@ TEST(DecimalText, MachineWordBoundaries) {
   EXPECT_EQ(over("09223372036854775808", "01"), "9223372036854775808");
   EXPECT_EQ(cent("09223372036854775808", "07"), "1");  // 2^63 = 8^21 = 1 mod 7, same signs
   EXPECT_EQ(cent("09223372036854775808", "7"), "6");
-}
-
-// A sink over a fixed buffer that records the lengths asked for.
-struct BufferSink {
-  char buf[200];
-  std::vector<size_t> asked;
-  TextSink sink() {
-    std::memset(buf, '#', sizeof buf);
-    asked.clear();
-    auto room = [](void* c, size_t n) {
-      auto* self = static_cast<BufferSink*>(c);
-      self->asked.push_back(n);
-      return self->buf;
-    };
-    return {room, this};
-  }
-  // The text written, which must fill exactly the one length asked for.
-  std::string text() const {
-    if (asked.size() != 1 || buf[asked[0]] != '#') return "bad sink use";
-    return std::string(buf, asked[0]);
-  }
-};
-
-TEST(DecimalText, SinksGetTheExactLengthOnce) {
-  const std::string big = "123456789012345678901234567890";  // beyond the machine word
-  // big = 12345678901234567890 * 10^10 + 1234567890
-  const std::pair<std::function<void(TextSink)>, std::string> rows[] = {
-      {[](TextSink s) { hintMulInto("099", "99", s); }, "09801"},
-      {[&](TextSink s) { hintMulInto("0" + big, "0", s); }, "0"},
-      {[&](TextSink s) { hintAddInto(big, "0" + big, s); }, "0"},
-      {[&](TextSink s) { hintSubInto("0" + big, "1", s); }, "0123456789012345678901234567891"},
-      {[](TextSink s) { hintPowaInto("0100", "3", s); }, "01000000"},
-      {[](TextSink s) { hintHalfInto("01", s); }, "0"},
-      {[&](TextSink s) { hintOppositeInto("0" + big, s); }, big},
-      {[&](TextSink s) { EXPECT_TRUE(hintOverInto("0" + big, big.substr(0, 20), s)); }, "010000000001"},
-      {[&](TextSink s) { EXPECT_TRUE(hintCentInto("0" + big, big.substr(0, 20), s)); }, "12345678900000000000"}};
-  BufferSink out;
-  for (const auto& [op, want] : rows) {
-    op(out.sink());
-    EXPECT_EQ(out.text(), want);
-  }
-  BufferSink q, r;
-  EXPECT_TRUE(hintOverCentInto(big, "07", q.sink(), r.sink()));
-  EXPECT_EQ(q.text() + " " + r.text(), over(big, "07") + " " + cent(big, "07"));
-  // No result, no call.
-  EXPECT_FALSE(hintOverInto(big, "0", out.sink()));
-  EXPECT_FALSE(hintCentInto(big, "0", out.sink()));
-  EXPECT_FALSE(hintOverCentInto(big, "0", q.sink(), r.sink()));
-  EXPECT_TRUE(out.asked.empty() && q.asked.empty() && r.asked.empty());
 }
 
 TEST(DecimalLimbs, TextRoundTripAllLengths) {
