@@ -32,7 +32,6 @@ std::string sourceOf(const Term& t) {
 TEST(RuntimeCompile, SourceTextByKind) {
   startedProgram();
   EXPECT_EQ(sourceOf(blobLeaf(std::string("1,\0x", 4))), std::string("<1,\0x>", 6));  // bytes as they are
-  EXPECT_EQ(sourceOf(leaf("05")), "<05>");
   // An integer cell spells its decimal text: the list K K H is a hint, plus,
   // magnitude bits 0 then the implied top bit: 2.
   Term two = App2(leafByte('J'), leafByte('K'),

@@ -38,14 +38,12 @@ TEST(FatalSignalLine, StaysInsideItsBufferAndEndsTheLine) {
 }
 
 TEST(StackRequest, HalvesBelowHalfTheLimitButNotBelowAMillionLevels) {
+  // Address-space limit, request. (ulimit -v 3000000 giving 1 GiB: tests/depth.)
   constexpr size_t GiB = size_t(1) << 30;
-  EXPECT_EQ(firstStackRequest(SIZE_MAX), 64 * GiB);
-  EXPECT_EQ(firstStackRequest(128 * GiB), 64 * GiB);
-  EXPECT_EQ(firstStackRequest(128 * GiB - 1), 32 * GiB);
-  EXPECT_EQ(firstStackRequest(16000000ull * 1024), 4 * GiB);  // ulimit -v 16000000
-  EXPECT_EQ(firstStackRequest(3000000ull * 1024), 1 * GiB);   // ulimit -v 3000000
-  EXPECT_EQ(firstStackRequest(100ull << 20), kNeededStackBytes);
-  EXPECT_EQ(firstStackRequest(0), kNeededStackBytes);
+  const std::pair<size_t, size_t> rows[] = {{SIZE_MAX, 64 * GiB}, {128 * GiB, 64 * GiB},
+                                            {128 * GiB - 1, 32 * GiB}, {16000000ull * 1024, 4 * GiB},
+                                            {100ull << 20, kNeededStackBytes}, {0, kNeededStackBytes}};
+  for (auto [limit, request] : rows) EXPECT_EQ(firstStackRequest(limit), request) << limit;
 }
 
 const Builtin* seenInside = nullptr;
