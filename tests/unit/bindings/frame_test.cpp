@@ -74,15 +74,6 @@ TEST_F(Frame, EachTestBringsItsConversion) {
   EXPECT_EQ(seen.calls, 4);
 }
 
-TEST_F(Frame, NaturalAndUncheckedParameters) {
-  EXPECT_EQ(text(callRow(kNatural, num(0))), "0");
-  EXPECT_EQ(text(callRow(kNatural, num(7))), "7");
-  EXPECT_EQ(text(callRow(kNatural, num(-7))), "Z");
-  // No test: a negative number passes and is converted signed, and the
-  // signed result conversion shows it as -1.
-  EXPECT_EQ(text(callRow(kUnchecked, num(-1))), "01");
-}
-
 TEST_F(Frame, UncheckedArgumentThatIsNoNumberStops) {
   EXPECT_DEATH(callRow(kUnchecked, leaf("[x]")), "ASSERTION FAILED");
   // K passes the integer test, and the signed conversion then stops at the

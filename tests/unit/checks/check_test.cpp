@@ -1,6 +1,6 @@
 // The program checks and the run stage: the order of the checks and their
-// reports, taint and restoring, sharing, the judgement of a result,
-// and the argument address.
+// reports, sharing, and the judgement of a result. Dead definitions and the
+// argument address are golden programs (checks/dead_*, program_arguments).
 #include <gtest/gtest.h>
 
 #include <string>
@@ -49,18 +49,6 @@ TEST(Checks, ReportsInTheirOrder) {
   EXPECT_EQ(fields(runProgram("I(" + params + "long\\0)")), "place|Place error.|||");
 }
 
-// (A dead definition that reaches an undefined name goes silently: the golden
-// programs dead_undefined_removed_silently and, through road,
-// definitions_seen_by_code_that_ran_before.)
-TEST(Checks, DeadRedefinedCapitalsAndTheirCallersGetThePreludesLawBack) {
-  loadPrelude();
-  std::string originalB = treeOf(*findGlobal("B")), originalA = treeOf(*findGlobal("A"));
-  ASSERT_TRUE(compile("a\\0,B\\a\\nothing").ok());
-  ASSERT_TRUE(checkAndRun(0).ok());
-  EXPECT_EQ(treeOf(*findGlobal("B")), originalB);
-  EXPECT_EQ(treeOf(*findGlobal("A")), originalA);
-}
-
 TEST(Checks, SharingLeavesOnlyValuesCanonical) {
   ASSERT_TRUE(runProgram("a\\0,aa\\[xy] K,bb\\x\\[xy] K x").ok());
   const Term& aa = *findGlobal("aa");
@@ -70,15 +58,6 @@ TEST(Checks, SharingLeavesOnlyValuesCanonical) {
   // ...but only values stay in the set for later tern calls.
   EXPECT_TRUE(isSeen(leaf("[xy]")));
   EXPECT_FALSE(isSeen(App(leaf("[xy]"), leafByte('K'))));
-}
-
-TEST(Run, TheAddressReachesTheMainTermAsAnInteger) {
-  const char* argv[] = {"tarn", "p.tarn", "one", nullptr};
-  int64_t address = int64_t(reinterpret_cast<intptr_t>(&argv[2]));
-  ASSERT_TRUE(runProgram("a\\a", address).ok());
-  EXPECT_EQ(textOf(*findGlobal("")), std::to_string(address));
-  ASSERT_TRUE(runProgram("a\\a", -7).ok());
-  EXPECT_EQ(textOf(*findGlobal("")), "07");
 }
 
 // A result that the language's source cannot spell: the main term is set by

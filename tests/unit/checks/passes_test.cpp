@@ -47,13 +47,6 @@ TEST(PairWings, UnfoldIntoThreeWingsReusingTheSecondName) {
             "((([{] p) ((([{] d) v) ((([{] c) (d K)) ((([{] d) (d H)) d)))) p)");
 }
 
-TEST(PairWings, OtherPatternsAndBindersStayAsTheyAre) {
-  for (std::string_view src : {"a b c{w}y", "1{w}y", "x 1{w}y", "(x y)\\b", "f(a\\b)"}) {
-    Term t = parse(src);
-    EXPECT_TRUE(expandPairWings(t).same(t)) << src;
-  }
-}
-
 TEST(FunkyKeys, FindsTheFirstIllegalBinderOrWing) {
   const std::pair<std::string_view, std::string_view> rows[] = {
       {"a\\b\\a b", "none"},
@@ -135,13 +128,6 @@ TEST_F(Folding, OpenExpressionsBecomeTheirSourceAndThemselves) {
   // Inner quotes fold first; the quoted text is the source as written.
   EXPECT_EQ(treeOf(foldQuotes(parse("a\\`(K a `(K 1 2))"))),
             "(([\\] a) ((V [(Ka (` (K1 2)))]) ((K a) 1)))");
-}
-
-TEST_F(Folding, ClosedExpressionsAreReducedOnce) {
-  EXPECT_EQ(treeOf(foldQuotes(parse("`(K 5 6)"))), "5");
-  EXPECT_EQ(treeOf(foldQuotes(parse("a\\K a `(I I 7)"))), "(([\\] a) ((K a) 7))");
-  Term plain = parse("a\\K a b");
-  EXPECT_TRUE(foldQuotes(plain).same(plain));
 }
 
 // A long name bound over a list of a million cells (J xx (J xx ... K)) is

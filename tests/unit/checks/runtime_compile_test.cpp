@@ -63,24 +63,6 @@ TEST(RuntimeCompile, CommitAddsCallFormsAndAdvancesVersions) {
   EXPECT_EQ(treeOf(*findGlobal("qq")), "2");
 }
 
-TEST(RuntimeCompile, FailuresBeforeTheCommitLeaveGlobalsAlone) {
-  startedProgram();
-  // Alive fails on the main expression; nothing of the text is stored.
-  Term r = compileAtRunTime("qq,rr\\1,ss\\undefined_y", CompileMode::kRoad);
-  ASSERT_TRUE(r.isApp());
-  EXPECT_EQ(treeOf(r.left()), "[]]");
-  Report carried = reportFromText(textOf(r.right()));
-  EXPECT_EQ(carried.tag, "alive");
-  EXPECT_EQ(carried.say, "Alive function TOP references undefined function qq.");
-  EXPECT_EQ(findGlobal("rr"), nullptr);
-  // A dead new definition that reaches an undefined name is dropped; the
-  // others are committed.
-  EXPECT_EQ(treeOf(compileAtRunTime("1,rr\\ss,ss\\undefined_y,tt\\2", CompileMode::kLoad)), "1");
-  EXPECT_EQ(findGlobal("rr"), nullptr);
-  EXPECT_EQ(findGlobal("ss"), nullptr);
-  EXPECT_NE(findGlobal("tt"), nullptr);
-}
-
 TEST(RuntimeCompile, OnlyValuesStayCanonical) {
   startedProgram();
   compileAtRunTime("0,aa\\[uv] K,bb\\x\\[uv] K x", CompileMode::kRoad);

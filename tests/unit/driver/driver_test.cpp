@@ -1,6 +1,5 @@
-// Appending to a file, escaped paths, the statuses of the run sequence (the
-// full 32-bit values, which a process exit would cut), and the process exit
-// status made from them.
+// The statuses of the run sequence (the full 32-bit values, which a process
+// exit would cut), and the process exit status made from them.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -31,22 +30,6 @@ struct TempFile {
     std::fclose(f);
   }
 };
-
-// (Reading at the block boundaries and NUL bytes: the golden programs in
-// tests/programs/driver.)
-TEST(Driver, AppendFileAddsToTheEnd) {
-  TempFile file;
-  appendFile(file.path.c_str(), "ab");
-  appendFile(file.path.c_str(), std::string_view("c\0d", 3));
-  appendFile(file.path.c_str(), "");
-  EXPECT_EQ(readProgramFile(file.path.c_str()), std::string_view("abc\0d", 5));
-}
-
-// (Brackets, spaces, quotes and UTF-8 bytes: the golden program missing_file.)
-TEST(Driver, EscapedPathsAtTheClassEdges) {
-  EXPECT_EQ(escapedPath(std::string_view("\x1f\x20\x7e\x7f\x80\xff", 6)), "[1F] ~[7F][80][FF]");
-  EXPECT_EQ(escapedPath(""), "");
-}
 
 // The full 32-bit status of each kind of run, and what reaches the host: 1
 // for every run that could not take place, and the program's own status

@@ -1,5 +1,6 @@
-// The structure check with its messages, the comma rule, normalisation, and
-// the three splitting helpers.
+// Normalisation and the three splitting helpers. The structure check's
+// messages and positions are the golden programs in tests/programs/scan, and
+// random texts through all of it are scan_fuzz_test.cpp's.
 #include <gtest/gtest.h>
 
 #include "frontend/scan.h"
@@ -7,58 +8,6 @@
 
 namespace tarn {
 namespace {
-
-struct Checked {
-  bool ok;
-  Report report;
-  long position = -1;
-};
-
-Checked check(std::string_view text) {
-  Checked c;
-  c.ok = checkStructure(text, c.report, c.position);
-  return c;
-}
-
-// The golden programs in tests/programs/scan print the common reports whole;
-// here the rest of the cases, and the position handed back.
-TEST(Scan, BracketMessages) {
-  // Text, message: the kind named is the offending byte's; the innermost
-  // open bracket is reported; parentheses are inert inside a literal.
-  const std::pair<std::string, std::string_view> cases[] = {
-      {"[[]", "Dangling left-bracket at [_____]."},
-      {"(a(", "Dangling left-parenthesis at [____b]."},
-      {"((a)", "Dangling left-parenthesis at [_____]."},
-      {"x{(y})", "'(' at [____b] doesn't fit '}' at [____d]."}};
-  for (const auto& [text, say] : cases) {
-    Checked c = check(text);
-    EXPECT_FALSE(c.ok);
-    EXPECT_EQ(c.report.say, say) << text;
-    EXPECT_EQ(c.report.tag, "match");
-    EXPECT_EQ(c.report.vip, say.substr(say.find('[') + 1, 5));
-    EXPECT_EQ(positionText(c.position), c.report.vip);
-  }
-  Checked c = check("(]");
-  EXPECT_EQ(c.report.vip + " " + c.report.tip, "_____ ____a");
-  EXPECT_EQ(c.position, 0);
-}
-
-TEST(Scan, SoundStructures) {
-  for (std::string_view t : {"", "[)]", "(a[)]b)", "{[}]}", "[a\n(b\n]", "f(a,b)", "1,2,3", "a{x,y}b",
-                             "((a,b))", "f(a)(b,c)", "[f](a,b)", "{(a,b)}", "([,])", "(a),(b)", "x!(a,b)"})
-    EXPECT_TRUE(check(t).ok) << t;
-}
-
-TEST(Scan, CommaRule) {
-  // White space and operators before "(" leave nothing to call; a nested
-  // group is judged by the byte before it.
-  const std::pair<std::string_view, long> cases[] = {{"x=(a,b)", 4}, {"g\n(a,b)", 4}, {"(a,(b,c))", 5}, {"(a,b)(c)", 2}};
-  for (auto [text, position] : cases) {
-    Checked c = check(text);
-    EXPECT_EQ(c.report.tag, "comma") << text;
-    EXPECT_EQ(c.position, position) << text;
-  }
-}
 
 TEST(Scan, Normalise) {
   const std::pair<std::string_view, std::string_view> rows[] = {

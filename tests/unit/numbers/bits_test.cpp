@@ -92,24 +92,6 @@ TEST(Bits, TextsOfSmallNumbers) {
   EXPECT_EQ(bitsFromText("000000000").size(), 2u);  // z = 7: bit 8
 }
 
-TEST(Bits, Primitives) {
-  BitString b;
-  EXPECT_TRUE(!getBit(b, 100) && isAllZero(b));
-  setBit(b, 100, false);
-  EXPECT_TRUE(b.empty());  // clearing beyond the end changes nothing
-  setBit(b, 17);           // setting grows by whole bytes
-  EXPECT_TRUE(b.size() == 3 && getBit(b, 17) && bitLength(b) == 18);
-  b.append(2, '\0');
-  EXPECT_EQ(bitLength(b), 18u);
-  stripZeros(b);
-  EXPECT_EQ(b.size(), 3u);
-  setBit(b, 17, false);
-  EXPECT_TRUE(isAllZero(b) && bitLength(b) == 0);
-  EXPECT_EQ(bitsOfValue(0), "");
-  EXPECT_EQ(bitsOfValue(0x1234), BitString("\x34\x12", 2));
-  EXPECT_EQ(valueOf(bitsOfValue(~uint64_t(0))), ~uint64_t(0));
-}
-
 // Every form of text, at lengths around the word size and the split
 // thresholds, against the reference conversion.
 TEST(Bits, LongTextsMatchTheReference) {

@@ -1,7 +1,6 @@
-// Integer operations on Terms: the sign rules of floor division and the
-// never-negative remainder on both the machine-word and the long path, the
-// product leaf, the word-size boundaries, cell spellings and the double of
-// an integer.
+// Integer operations on Terms: the product leaf, the word-size boundaries,
+// cell spellings and the double of an integer. (Division signs: the golden
+// program integer_signs_and_sizes on the machine word, python3 on long texts.)
 #include <cmath>
 #include <string>
 
@@ -15,36 +14,6 @@ using testing::cell;
 using testing::N;
 using testing::sym;
 using testing::text;
-
-// Every row of the division table, with x and y as given and then both
-// scaled by 10^30, so that the long path is held to the same signs: the
-// quotient is unchanged and the remainder scales.
-TEST(Hint, FloorDivisionAndRemainderSigns) {
-  struct Row {
-    const char *x, *y, *over, *cent;
-  };
-  const Row rows[] = {
-      {"7", "2", "3", "1"},   {"07", "2", "04", "1"}, {"7", "02", "04", "1"}, {"07", "02", "3", "1"},
-      {"7", "3", "2", "1"},   {"07", "3", "03", "2"}, {"7", "03", "03", "2"}, {"07", "03", "2", "1"},
-      {"6", "03", "02", "0"}, {"0", "05", "0", "0"},  {"06", "3", "02", "0"},
-  };
-  const std::string zeros(30, '0');
-  for (const Row& r : rows) {
-    SCOPED_TRACE(std::string(r.x) + " by " + r.y);
-    EXPECT_EQ(text(hintOver(N(r.x), N(r.y))), r.over);
-    EXPECT_EQ(text(hintCent(N(r.x), N(r.y))), r.cent);
-    std::string bx = std::string(r.x) + (std::string(r.x) == "0" ? "" : zeros);
-    std::string by = std::string(r.y) + zeros;
-    EXPECT_EQ(text(hintOver(N(bx), N(by))), r.over);
-    std::string cent = std::string(r.cent) == "0" ? "0" : std::string(r.cent) + zeros;
-    EXPECT_EQ(text(hintCent(N(bx), N(by))), cent);
-  }
-  // Zero divisors, short and long dividends.
-  EXPECT_EQ(text(hintOver(N("5"), N("0"))), "Z");
-  EXPECT_EQ(text(hintCent(N("5"), N("0"))), "Z");
-  EXPECT_EQ(text(hintOver(N("5" + zeros), N("0"))), "Z");
-  EXPECT_EQ(text(hintCent(N("05" + zeros), N("0"))), "Z");
-}
 
 TEST(Hint, ProductLeafCarriesArityTwo) {
   // x, y, product, top byte: a zero gives an ordinary, unannotated "0"; the

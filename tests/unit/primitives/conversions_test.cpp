@@ -56,17 +56,6 @@ TEST(Conversions, BlobNumberKeepsTheCountOfTrailingNuls) {
   EXPECT_TRUE(isByteLeaf(fire1("lots", blobLeaf("")), 'K'));
 }
 
-TEST(Conversions, NestedVectorsPrintInOrder) {
-  Term inner = vectorLeaf(2);
-  setElement(inner, 0, leaf("[b]"));  // slot 1 stays empty
-  Term outer = vectorLeaf(3);
-  setElement(outer, 0, leaf("[a]"));
-  setElement(outer, 1, inner);
-  setElement(outer, 2, leaf("7"));
-  EXPECT_EQ(textOf(fire1("zits", outer)), "[a][b]Z7");
-  EXPECT_EQ(textOf(fire1("rank", outer)), "3");
-}
-
 TEST(Conversions, MalformedNumberChainsAnswerZ) {
   // (J K S) has the kind of an integer but no list ends in S. Classifying it
   // annotates the capitals, which must then be defined.

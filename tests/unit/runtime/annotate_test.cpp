@@ -53,16 +53,6 @@ TEST_F(Annotate, LeafArities) {
   EXPECT_TRUE(isValue(App(product, term("K"))));
 }
 
-TEST_F(Annotate, Kinds) {
-  const std::pair<std::string_view, char> byText[] = {
-      {"0", 'i'}, {"123", 'i'}, {"05", 'i'}, {"00", 'o'}, {"007", 'o'}, {"J K x", 'i'},
-      {"J H x", 'o'}, {"J Z x", 'w'}, {"[ab]", 'u'}, {"S", 'w'}, {"Z", 'w'}};
-  for (auto [source, kind] : byText) EXPECT_EQ(kindOf(term(std::string(source))), Kind(kind)) << source;
-  EXPECT_EQ(kindOf(blobLeaf("ab")), Kind::kBlob);
-  EXPECT_EQ(kindOf(realLeaf(2.0)), Kind::kReal);
-  EXPECT_EQ(kindOf(vectorLeaf(0)), Kind::kVector);
-}
-
 TEST_F(Annotate, LazyHeadsByByteOnly) {
   for (const char* lazy : {"K", "I", "B (M M)", "J 1", "Z", "L"}) EXPECT_TRUE(isLazyHead(term(lazy))) << lazy;
   EXPECT_TRUE(isLazyHead(App(leafByte('&'), leaf("1"))));

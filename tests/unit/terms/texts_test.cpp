@@ -15,15 +15,6 @@ namespace {
 constexpr std::string_view kListOfA = "[[[]][[][]][[]]]";
 constexpr std::string_view kListOfNul = "[[[[]][[]]][[][]][][]]";
 
-TEST(Texts, PositionsAndDigitValuesFollowTheSystemAlphabet) {
-  const std::pair<long, std::string_view> positions[] = {
-      {0, "_____"}, {19, "____u"}, {20, "____s"}, {64, "___a_"}, {0x3fffffff, "~~~~~"}, {0x40000000, "!!!!!"}};
-  for (auto [p, text] : positions) EXPECT_EQ(positionText(p), text) << p;
-  EXPECT_DEATH(positionText(-1), "ASSERTION FAILED");
-  EXPECT_DEATH(positionText(0x40000001), "ASSERTION FAILED");
-  EXPECT_TRUE(digitValue('u') == 19 && digitValue('s') == 20 && digitValue('~') == 63);
-}
-
 TEST(Texts, NameShapes) {
   for (std::string_view yes : {"+", "plus_one", "_", "A", "Z", "\x01", "\x1f", "\x7f", "\xff", "{", ",", "?"})
     EXPECT_TRUE(isName(yes)) << yes;
