@@ -1,5 +1,6 @@
-// Number texts <-> bit strings, the bit string primitives, and the binary
-// naturals underneath (checked against simple reference routines).
+// Number texts <-> bit strings, and the binary naturals underneath, checked
+// against simple reference routines. (The lists of small numbers are printed
+// by the golden program bitlists.)
 #include <gtest/gtest.h>
 
 #include <random>
@@ -9,12 +10,6 @@
 
 namespace tarn {
 namespace {
-
-uint64_t valueOf(const BitString& b) {
-  uint64_t v = 0;
-  for (size_t i = 0; i < b.size() && i < 8; i++) v |= uint64_t(static_cast<unsigned char>(b[i])) << (8 * i);
-  return v;
-}
 
 // Reference decimal -> little-endian bytes: multiply by 10 and add, per digit.
 BitString refFromDecimal(std::string_view digits) {
@@ -68,28 +63,6 @@ std::string randomDigits(std::mt19937_64& rng, size_t n) {
   std::string s(1, char('1' + rng() % 9));
   while (s.size() < n) s.push_back(char('0' + rng() % 10));
   return s;
-}
-
-TEST(Bits, TextsOfSmallNumbers) {
-  // Sentinel on top, then the list: hints end in the tag bit 1 with the sign
-  // below it, numbs in the bit 0 after their run of zeros.
-  const std::pair<std::string_view, uint64_t> rows[] = {
-      {"5", 23}, {"05", 21}, {"0", 3}, {"00", 2}, {"003", 14},
-      {"0001", 12},   // -1.5: bit 2, then 1 from bit 3
-      {"0000", 8},    // zeros alone: bit z+1
-      {"00005", 88},  // z = 2: bit 3, then 5 from bit 4
-      {"0120", 481},  // -120: 4*120 + 1
-      {"00000000", 128}};
-  for (auto [text, value] : rows) {
-    EXPECT_EQ(valueOf(bitsFromText(text)), value) << text;
-    EXPECT_EQ(textFromBits(bitsFromText(text)), text);
-  }
-  for (std::string_view t : {"18446744073709551615", "018446744073709551616", "00184467440737095516153"})
-    EXPECT_EQ(textFromBits(bitsFromText(t)), t);
-  // Trailing zero bytes carry no meaning; a string has no more bytes than it needs.
-  EXPECT_EQ(textFromBits(BitString("\x17\0\0", 3)), "5");
-  EXPECT_EQ(bitsFromText("00000000").size(), 1u);   // z = 6: bit 7
-  EXPECT_EQ(bitsFromText("000000000").size(), 2u);  // z = 7: bit 8
 }
 
 // Every form of text, at lengths around the word size and the split

@@ -1,6 +1,7 @@
 // Conversions on shapes that programs reach only through long detours:
 // bracket applications whose parts are characters, blobs with trailing NULs,
-// nested vectors, and the bounds of element reads.
+// and chains that look like numbers but end in no list. (Nested vectors are
+// the golden program conversions.)
 #include <gtest/gtest.h>
 
 #include "frontend/compile.h"

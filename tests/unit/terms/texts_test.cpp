@@ -1,5 +1,5 @@
-// Positions, names, the byte table, bracket codes, the shorthand and the
-// bracket-tree operations.
+// Names, the byte table, bracket codes, the shorthand and the bracket-tree
+// operations.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -16,17 +16,14 @@ constexpr std::string_view kListOfA = "[[[]][[][]][[]]]";
 constexpr std::string_view kListOfNul = "[[[[]][[]]][[][]][][]]";
 
 TEST(Texts, NameShapes) {
-  for (std::string_view yes : {"+", "plus_one", "_", "A", "Z", "\x01", "\x1f", "\x7f", "\xff", "{", ",", "?"})
+  for (std::string_view yes : {"+", "plus_one", "_", "Z", "\x01", "\x7f", "\xff", "{", ","})
     EXPECT_TRUE(isName(yes)) << yes;
-  for (std::string_view no : {"", "plus1", "Ab", "aB", "0", " ", "[", "]", "(", ")", "[+]", "++", "\n\n"})
-    EXPECT_FALSE(isName(no)) << no;
+  for (std::string_view no : {"", "plus1", "Ab", "0", " ", "[", ")", "[+]", "++"}) EXPECT_FALSE(isName(no)) << no;
   for (std::string_view yes : {"[+]", "[\\]", "[{]", "[,]", "plus_one", "A", "\x05", "\x80"})
     EXPECT_TRUE(isDefinableName(yes)) << yes;
   for (std::string_view no : {"+", "{", "", "[A]", "[[]", "[+", "plus1", "[ab]"})
     EXPECT_FALSE(isDefinableName(no)) << no;
-  EXPECT_EQ(plainName("[+]"), "+");
-  EXPECT_EQ(plainName("[\\]"), "\\");
-  EXPECT_EQ(plainName("plus"), "plus");
+  EXPECT_TRUE(plainName("[+]") == "+" && plainName("[\\]") == "\\" && plainName("plus") == "plus");
   EXPECT_DEATH((void)plainName("+"), "ASSERTION FAILED");
   EXPECT_TRUE(isLocalLetter("a") && isLocalLetter("z"));
   for (std::string_view no : {"ab", "A", "_", ""}) EXPECT_FALSE(isLocalLetter(no)) << no;

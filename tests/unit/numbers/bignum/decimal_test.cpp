@@ -44,16 +44,6 @@ TEST(DecimalText, MachineWordBoundaries) {
   EXPECT_EQ(cent("09223372036854775808", "7"), "6");
 }
 
-TEST(DecimalLimbs, LayoutAndDump) {
-  Limbs a = limbsFromDigits("123456789012345678");
-  ASSERT_EQ(a.size(), 3u);
-  EXPECT_EQ(a[0], 12345678u);  // base 10^8, lowest limb first
-  EXPECT_EQ(a[2], 12u);
-  EXPECT_EQ(limbsDump(a.data(), a.size()), "[3 limbs] 00000012|34567890|12345678");
-  EXPECT_TRUE(limbsFromDigits("0000").empty());
-  EXPECT_EQ(limbsFromDigits("000000000000000000012").size(), 1u);
-}
-
 TEST(DecimalLimbsDeath, BadTextsAreFatal) {
   EXPECT_DEATH(limbsFromDigits("1234567a"), "ASSERTION FAILED");
   EXPECT_DEATH(limbsFromDigits("12:45678901"), "ASSERTION FAILED");
