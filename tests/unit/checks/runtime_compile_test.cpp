@@ -43,9 +43,7 @@ TEST(RuntimeCompile, SourceTextByKind) {
   EXPECT_EQ(sourceOf(leaf("[a[b]]")), "<a[b]>");
   EXPECT_EQ(sourceOf(App(leaf("[ab]"), leaf("[[c]]"))), "<ab[[c]]>");
   EXPECT_EQ(sourceOf(vectorLeaf(2)), "<>");
-  EXPECT_EQ(sourceOf(leaf("003")), "none");
-  EXPECT_EQ(sourceOf(realLeaf(1.0)), "none");
-  EXPECT_EQ(sourceOf(leafByte('I')), "none");
+  for (const Term& t : {leaf("003"), realLeaf(1.0), leafByte('I')}) EXPECT_EQ(sourceOf(t), "none");
 }
 
 TEST(RuntimeCompile, CommitAddsCallFormsAndAdvancesVersions) {

@@ -190,10 +190,9 @@ TEST(Numb, FlagAndLess) {
   for (const auto& [x, y, want] : less) EXPECT_EQ(numbLess(x, y), want) << printTerm(x) << " < " << printTerm(y);
 }
 
+// (Plain values both ways: the random values above, and the random doubles
+// below.)
 TEST(Numb, ToDouble) {
-  EXPECT_EQ(numbToReal(leaf("004")), 2.0);
-  EXPECT_EQ(numbToReal(leaf("003")), 1.5);
-  EXPECT_EQ(numbToReal(leaf("000")), -1.0);
   EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(leaf("00"))), 0u);
   // The fixed form of the sum of signed powers 2^i, all of one sign.
   auto powers = [](std::initializer_list<int64_t> indices, bool plus = true) {
@@ -216,11 +215,8 @@ TEST(Numb, ToDouble) {
 }
 
 TEST(Numb, FromDouble) {
-  EXPECT_EQ(text(realToNumb(0.5)), "002");
   EXPECT_EQ(text(realToNumb(0.0)), "00");
-  EXPECT_EQ(text(realToNumb(1.0)), "001");
   EXPECT_EQ(text(realToNumb(-1.5)), "0001");
-  EXPECT_EQ(text(realToNumb(2.25)), "0012");
   EXPECT_EQ(text(realToNumb(-0.0)), "000");
   EXPECT_EQ(text(realToNumb(INFINITY)), "000");
   EXPECT_EQ(text(realToNumb(-INFINITY)), "000");
