@@ -30,8 +30,9 @@ Term callNamed(std::string_view name, T&&... args) {
   return callRow(*row, std::forward<T>(args)...);
 }
 
-// A number leaf, or the text of a result.
+// A number leaf, an integer holding a host address, or the text of a result.
 inline Term num(int64_t v) { return int64ToTerm(v); }
+inline Term address(const void* p) { return int64ToTerm(reinterpret_cast<intptr_t>(p)); }
 inline std::string text(const Term& t) { return std::string(textOf(t)); }
 
 }  // namespace tarn::testing

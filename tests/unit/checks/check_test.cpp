@@ -1,6 +1,6 @@
 // The program checks and the run stage: the order of the checks and their
-// reports, taint and restoring, sharing, the judgement of a result,
-// and the argument address.
+// reports, sharing, and the judgement of a result. Dead definitions and the
+// argument address are golden programs (checks/dead_*, program_arguments).
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,12 +10,10 @@
 #include "frontend/compile.h"
 #include "runtime/globals.h"
 #include "reduction/canonical.h"
-#include "tests/unit/frontend/tree_dump.h"
 
 namespace tarn {
 namespace {
 
-using testing::treeOf;
 
 // Compiles a program text and runs the check-and-run stage on it.
 Report runProgram(std::string_view source, int64_t address = 0) {
@@ -49,21 +47,6 @@ TEST(Checks, ReportsInTheirOrder) {
   EXPECT_EQ(fields(runProgram("I(" + params + "long\\0)")), "place|Place error.|||");
 }
 
-TEST(Checks, DeadDefinitionsThatReachUndefinedNamesGo) {
-  ASSERT_TRUE(runProgram("a\\3,gg\\hh,hh\\nothing,kk\\a\\a").ok());
-  EXPECT_TRUE(findGlobal("gg") == nullptr && findGlobal("hh") == nullptr);  // gg through hh
-  EXPECT_NE(findGlobal("kk"), nullptr);
-  EXPECT_EQ(findPreludeGlobal("K"), nullptr);  // the prelude's copy is gone
-  // A dead redefinition of a capital gets the prelude's law back, and so
-  // does a caller of it.
-  loadPrelude();
-  std::string originalB = treeOf(*findGlobal("B")), originalA = treeOf(*findGlobal("A"));
-  ASSERT_TRUE(compile("a\\0,B\\a\\nothing").ok());
-  ASSERT_TRUE(checkAndRun(0).ok());
-  EXPECT_EQ(treeOf(*findGlobal("B")), originalB);
-  EXPECT_EQ(treeOf(*findGlobal("A")), originalA);
-}
-
 TEST(Checks, SharingLeavesOnlyValuesCanonical) {
   ASSERT_TRUE(runProgram("a\\0,aa\\[xy] K,bb\\x\\[xy] K x").ok());
   const Term& aa = *findGlobal("aa");
@@ -75,15 +58,6 @@ TEST(Checks, SharingLeavesOnlyValuesCanonical) {
   EXPECT_FALSE(isSeen(App(leaf("[xy]"), leafByte('K'))));
 }
 
-TEST(Run, TheAddressReachesTheMainTermAsAnInteger) {
-  const char* argv[] = {"tarn", "p.tarn", "one", nullptr};
-  int64_t address = int64_t(reinterpret_cast<intptr_t>(&argv[2]));
-  ASSERT_TRUE(runProgram("a\\a", address).ok());
-  EXPECT_EQ(textOf(*findGlobal("")), std::to_string(address));
-  ASSERT_TRUE(runProgram("a\\a", -7).ok());
-  EXPECT_EQ(textOf(*findGlobal("")), "07");
-}
-
 // A result that the language's source cannot spell: the main term is set by
 // hand after compiling.
 Report runMain(Term body) {
@@ -93,25 +67,13 @@ Report runMain(Term body) {
   return checkAndRun(0);
 }
 
+// (A report carried out of a road, and a marker as the result: the golden
+// programs in tests/programs/road and range_self_dependence_marker.)
 TEST(Run, JudgementOfTheResult) {
-  // A report carried out of a run-time compilation comes back whole.
-  const std::string carried =
-      "['[\"Attempt to redefine function gg using the road function.][\"roads][\"gg][\"t][\"yes]]";
-  EXPECT_EQ(fields(runMain(App(leafByte(']'), leaf(carried)))),
-            "roads|Attempt to redefine function gg using the road function.|gg|t|yes");
-  // The markers are no blobs and no applications: they are out of range.
-  EXPECT_EQ(fields(runMain(leaf("]undefined"))),
-            "range|The program must return an integer. Instead we encountered:\n()||()|");
   // Integers in any spelling are results; K is the empty list.
   EXPECT_TRUE(runMain(leafByte('K')).ok());
   EXPECT_TRUE(runMain(App2(leafByte('J'), leafByte('K'), leaf("1"))).ok());
   EXPECT_EQ(runMain(leaf("007")).tag, "range");  // a numb
-}
-
-TEST(Run, RangeReportsShowABalancedExcerpt) {
-  Report r = runProgram("a\\[" + std::string(80, 'x') + "]");
-  EXPECT_EQ(r.tag, "range");
-  EXPECT_EQ(r.tip, "[" + std::string(70, 'x') + "]");  // the excerpt closes what it opened
 }
 
 }  // namespace

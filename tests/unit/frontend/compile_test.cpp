@@ -1,6 +1,8 @@
-// The prelude's tables and the compile step: builtin stubs, the main
-// expression, plain and call-form definitions, ignored pieces, and the two
-// reports with positions in the normalised text.
+// The prelude's tables and the compile step: builtin stubs, plain and
+// call-form definitions, and the lower report of a call form with its
+// position in the normalised text. The main expression, ignored pieces and
+// the structure check coming first are golden programs in tests/programs
+// (run, compile and scan).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -37,74 +39,28 @@ TEST(Prelude, DefinesExactlyItsNamesAfterEveryLoad) {
     ASSERT_NE(findPreludeGlobal(name), nullptr);
     EXPECT_TRUE(findPreludeGlobal(name)->same(*findGlobal(name)));
   }
-  // Bodies keep their binders.
+  // Bodies keep their binders, and lose the layout space.
   EXPECT_EQ(global("S"), "(([\\] a) (([\\] b) (([\\] c) ((a c) (b c)))))");
-  EXPECT_EQ(global("G"), "(([\\] a) ((V Z) ((((B W) (B C)) ((D D) V)) (V (X J)))))");
-  EXPECT_EQ(global("!"), "(([\\] p) ((p H) K))");  // the layout space is gone
-  EXPECT_EQ(global("{"), "(([\\] a) (([\\] b) (([\\] c) Z)))");
-  EXPECT_EQ(global("+"), "plus");
-  EXPECT_EQ(global("\""), "I");
+  EXPECT_EQ(global("!"), "(([\\] p) ((p H) K))");
 }
 
 TEST(Compile, BuiltinStubsCountTheirArguments) {
   loadPrelude();
   ASSERT_TRUE(compile("0").ok());
-  EXPECT_EQ(global("plus"), "(([\\] a) (([\\] b) Z))");
-  EXPECT_EQ(global("abort"), "Z");
   EXPECT_EQ(global("getnameinfo"),  // the longest arity: letters up to g
             "(([\\] a) (([\\] b) (([\\] c) (([\\] d) (([\\] e) (([\\] f) (([\\] g) Z)))))))");
   for (const Builtin& b : builtinTable()) EXPECT_NE(findGlobal(b.name), nullptr) << b.name;
 }
 
-// The main term that a source compiles to.
-std::string mainOf(std::string_view source) {
-  loadPrelude();
-  EXPECT_TRUE(compile(source).ok()) << source;
-  return global("");
-}
-
-TEST(Compile, MainExpression) {
-  EXPECT_EQ(mainOf("a\\2+3"), "(([\\] a) (([+] 2) 3))");
-  EXPECT_TRUE(mainTerm().same(*findGlobal("")));
-  // With no comma the whole text is the main expression, binder shape or not.
-  EXPECT_EQ(mainOf("f\\a\\a"), "(([\\] f) (([\\] a) a))");
-  EXPECT_EQ(findGlobal("f"), nullptr);
-  EXPECT_EQ(mainOf(""), "[}]");
-  EXPECT_EQ(mainOf("  \n a  b \n"), "(a b)");
-}
-
-TEST(Compile, PlainAndCallFormDefinitions) {
-  loadPrelude();
-  ASSERT_TRUE(compile("0,S\\a\\a,twice\\f\\x\\f(f x),[&]\\a\\a,gg()\\2").ok());
-  EXPECT_EQ(global("S"), "(([\\] a) a)");
-  EXPECT_EQ(treeOf(*findPreludeGlobal("S")), "(([\\] a) (([\\] b) (([\\] c) ((a c) (b c)))))");
-  EXPECT_EQ(global("twice"), "(([\\] f) (([\\] x) (f (f x))))");
-  EXPECT_EQ(global("&"), "(([\\] a) a)");
-  EXPECT_EQ(global("gg"), "(I 2)");
-  EXPECT_TRUE(isCallForm("gg"));
-  EXPECT_FALSE(isCallForm("twice"));
-  // A later definition replaces an earlier one; a plain form drops the mark.
+// (Plain, operator and call-form definitions in use, a redefined capital
+// among them: the golden programs in tests/programs/run.)
+TEST(Compile, LaterDefinitionsReplaceEarlierOnesWithTheirMark) {
   loadPrelude();
   ASSERT_TRUE(compile("0,gg()\\2,gg\\3,hh\\1,hh()\\4").ok());
   EXPECT_EQ(global("gg"), "3");
   EXPECT_FALSE(isCallForm("gg"));
   EXPECT_EQ(global("hh"), "(I 4)");
   EXPECT_TRUE(isCallForm("hh"));
-}
-
-TEST(Compile, PiecesThatAreNoDefinitionAreIgnored) {
-  loadPrelude();
-  std::vector<std::string> before = globalNames();
-  // No binder shape; a bare operator (its pattern is an application of no
-  // name); a call form with an argument; a number; a multi-letter operator.
-  Report r = compile("0,3+4,+\\a\\a,f(x)\\1,5\\a,[+-]\\a,(p q)\\1,,");
-  EXPECT_TRUE(r.ok());
-  std::vector<std::string> after = globalNames();
-  for (const std::string& name : after)
-    EXPECT_TRUE(name.empty() || findBuiltin(name) || std::count(before.begin(), before.end(), name))
-        << name;
-  EXPECT_EQ(findGlobal("f"), nullptr);
-  EXPECT_EQ(global("+"), "plus");
 }
 
 // The lower and built reports are printed whole by the golden programs in
@@ -124,14 +80,6 @@ TEST(Compile, LowerReportsOfCallFormsAndNormalisedPositions) {
   EXPECT_EQ(compile("0,ff\\2,x\\1,gg\\3").tag, "lower");
   EXPECT_EQ(global("ff"), "2");
   EXPECT_EQ(findGlobal("gg"), nullptr);
-}
-
-TEST(Compile, StructureFaultsComeFirst) {
-  loadPrelude();
-  Report r = compile("1,x\\a(");
-  EXPECT_EQ(r.tag, "match");
-  EXPECT_EQ(findGlobal(""), nullptr);
-  EXPECT_EQ(findGlobal("plus"), nullptr);  // no stubs before the check passes
 }
 
 }  // namespace

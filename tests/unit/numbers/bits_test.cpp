@@ -1,5 +1,6 @@
-// Number texts <-> bit strings, the bit string primitives, and the binary
-// naturals underneath (checked against simple reference routines).
+// Number texts <-> bit strings, and the binary naturals underneath, checked
+// against simple reference routines. (The lists of small numbers are printed
+// by the golden program bitlists.)
 #include <gtest/gtest.h>
 
 #include <random>
@@ -9,12 +10,6 @@
 
 namespace tarn {
 namespace {
-
-uint64_t valueOf(const BitString& b) {
-  uint64_t v = 0;
-  for (size_t i = 0; i < b.size() && i < 8; i++) v |= uint64_t(static_cast<unsigned char>(b[i])) << (8 * i);
-  return v;
-}
 
 // Reference decimal -> little-endian bytes: multiply by 10 and add, per digit.
 BitString refFromDecimal(std::string_view digits) {
@@ -70,46 +65,6 @@ std::string randomDigits(std::mt19937_64& rng, size_t n) {
   return s;
 }
 
-TEST(Bits, TextsOfSmallNumbers) {
-  // Sentinel on top, then the list: hints end in the tag bit 1 with the sign
-  // below it, numbs in the bit 0 after their run of zeros.
-  const std::pair<std::string_view, uint64_t> rows[] = {
-      {"5", 23}, {"05", 21}, {"0", 3}, {"00", 2}, {"1", 7}, {"01", 5}, {"2", 11}, {"003", 14}, {"000", 4},
-      {"0001", 12},   // -1.5: bit 2, then 1 from bit 3
-      {"0000", 8},    // zeros alone: bit z+1
-      {"00005", 88},  // z = 2: bit 3, then 5 from bit 4
-      {"0120", 481},  // -120: 4*120 + 1
-      {"00000000", 128}};
-  for (auto [text, value] : rows) {
-    EXPECT_EQ(valueOf(bitsFromText(text)), value) << text;
-    EXPECT_EQ(textFromBits(bitsFromText(text)), text);
-  }
-  for (std::string_view t : {"18446744073709551615", "018446744073709551616", "00184467440737095516153"})
-    EXPECT_EQ(textFromBits(bitsFromText(t)), t);
-  // Trailing zero bytes carry no meaning; a string has no more bytes than it needs.
-  EXPECT_EQ(textFromBits(BitString("\x17\0\0", 3)), "5");
-  EXPECT_EQ(bitsFromText("00000000").size(), 1u);   // z = 6: bit 7
-  EXPECT_EQ(bitsFromText("000000000").size(), 2u);  // z = 7: bit 8
-}
-
-TEST(Bits, Primitives) {
-  BitString b;
-  EXPECT_TRUE(!getBit(b, 100) && isAllZero(b));
-  setBit(b, 100, false);
-  EXPECT_TRUE(b.empty());  // clearing beyond the end changes nothing
-  setBit(b, 17);           // setting grows by whole bytes
-  EXPECT_TRUE(b.size() == 3 && getBit(b, 17) && bitLength(b) == 18);
-  b.append(2, '\0');
-  EXPECT_EQ(bitLength(b), 18u);
-  stripZeros(b);
-  EXPECT_EQ(b.size(), 3u);
-  setBit(b, 17, false);
-  EXPECT_TRUE(isAllZero(b) && bitLength(b) == 0);
-  EXPECT_EQ(bitsOfValue(0), "");
-  EXPECT_EQ(bitsOfValue(0x1234), BitString("\x34\x12", 2));
-  EXPECT_EQ(valueOf(bitsOfValue(~uint64_t(0))), ~uint64_t(0));
-}
-
 // Every form of text, at lengths around the word size and the split
 // thresholds, against the reference conversion.
 TEST(Bits, LongTextsMatchTheReference) {
@@ -132,7 +87,8 @@ TEST(Bits, LongTextsMatchTheReference) {
 }
 
 // Powers of ten at the split points (long runs of zeros in the low halves)
-// and runs of nines (remainders just below the divisor).
+// and runs of nines (remainders just below the divisor), up to four levels
+// of splitting.
 TEST(Bits, SplitBoundariesRoundTrip) {
   for (size_t n : {2431, 2432, 2433, 4863, 4864, 9728, 19456, 38912}) {
     std::string ten = "1" + std::string(n, '0'), nines(n, '9');
@@ -140,17 +96,6 @@ TEST(Bits, SplitBoundariesRoundTrip) {
     EXPECT_EQ(textFromBits(bitsFromText(nines)), nines) << n;
     EXPECT_EQ(natDecimal(natAdd(natFromDecimal(nines), natOf(1))), ten) << n;
   }
-}
-
-TEST(Bits, HundredThousandDigits) {
-  std::mt19937_64 rng(11);
-  std::string y = randomDigits(rng, 100000);
-  BitString b = bitsFromText(y);
-  EXPECT_EQ(textFromBits(b), y);
-  // A spot check against the slow reference on the low bits: y mod 2^64.
-  uint64_t low = 0;
-  for (char c : y) low = low * 10 + uint64_t(c - '0');
-  EXPECT_EQ(natLow(natShiftRight(natFromBytes(b), 2)), low);
 }
 
 // ---- Binary naturals ---------------------------------------------------------------

@@ -42,22 +42,15 @@ BitString refFixed(__int128 s, int scale) {
   return out;
 }
 
-TEST(Numb, SumsProductsAndRemainders) {
-  // 1.5 "003", 0.5 "002", -1 "000", 1 "001", 2 "004", -2 "00000", 5.5
-  // "0019", -5.5 "0009", 4 "0016", 0.75 "0010".
-  struct Row {
-    Term (*op)(const Term&, const Term&);
-    const char *x, *y, *want;
-  };
-  const Row rows[] = {
-      {numbPlus, "003", "002", "004"},    {numbPlus, "000", "001", "00"},     {numbDash, "001", "001", "00"},
-      {numbDash, "002", "004", "0001"},   {numbMult, "003", "003", "0012"},   {numbMult, "00", "000", "00"},
-      {numbMult, "000", "003", "0001"},   {numbCent, "0019", "004", "003"},   {numbCent, "0009", "004", "002"},
-      {numbCent, "0019", "00000", "002"}, {numbCent, "0009", "00000", "003"}, {numbCent, "0016", "004", "00"},
-      {numbCent, "001", "0010", "008"},   {numbCent, "000", "0010", "002"},   {numbCent, "0019", "00", "Z"}};
-  for (const Row& r : rows) EXPECT_EQ(text(r.op(leaf(r.x), leaf(r.y))), r.want) << r.x << " and " << r.y;
-  // Cell spellings are read through their lists: [H, K] is 1.
+// The golden program numb_arithmetic prints the worked sums, products and
+// remainders, and random values below are checked against scaled integers;
+// here the spellings a printed line can't show.
+TEST(Numb, TermOperationsReadCellSpellingsAndNegateOnce) {
+  // [H, K] is 1; (J H "002"), [H] then the list of "002" [H, K, H], is -3.
   EXPECT_EQ(text(numbPlus(cell(false, cell(true, K())), leaf("001"))), "004");
+  EXPECT_EQ(text(numbDash(cell(false, leaf("002")), leaf("00"))), "0002");
+  EXPECT_EQ(text(numbDash(leaf("002"), leaf("004"))), "0001");  // 0.5 - 2
+  EXPECT_EQ(text(numbMult(leaf("000"), leaf("003"))), "0001");  // -1 * 1.5
 }
 
 TEST(Numb, SignsAndMagnitudesOnFixedForms) {
@@ -136,18 +129,17 @@ TEST(Numb, Powers) {
   for (auto [e, v] : schedule) EXPECT_EQ(text(numbPowa(three, leaf(e))), numbInt(v)) << e;
   EXPECT_TRUE(numbPowa(three, leaf("1")).same(three));  // no round: the base itself
   const std::string far = "3541774862152233910272";    // 3 * 2^70
+  // (1.5 to the 0, -1 and 5, and 2 to the 3, -1 and 0: the golden program
+  // powa_kind_pairs.)
   const std::string rows[][3] = {
-      {"003", "0", "00"}, {"003", "01", "Z"}, {"003", "3", "0045"},  // 3.375 = 11.011b
+      {"003", "3", "0045"},  // 3.375 = 11.011b
       // -1: the last round (exponent 2 or 3) decides the sign, also for
       // exponents beyond 64 bits.
       {"000", "6", "000"}, {"000", "5", "001"}, {"000", "100000000000000000000", "001"},
       {"000", far, "000"}, {"001", far, "001"}, {"00", far, "00"},
       // The leaf "004" is exact, below a list of 61 elements.
-      {"004", "3", "0064"}, {"004", "01", "002"}, {"004", "03", "0032"}, {"004", "0", "001"},
-      {"004", "576460752303423488", "Z"}, {"004", "0576460752303423488", "Z"}};
+      {"004", "03", "0032"}, {"004", "576460752303423488", "Z"}, {"004", "0576460752303423488", "Z"}};
   for (const auto& r : rows) EXPECT_EQ(text(numbPowa(leaf(r[0]), leaf(r[1]))), r[2]) << r[0] << " ^ " << r[1];
-  Term cube = numbMult(leaf("003"), numbMult(leaf("003"), leaf("003")));
-  EXPECT_EQ(text(numbPowa(leaf("003"), leaf("5"))), text(numbMult(cube, cube)));
   BitString big = numbBits(numbPowa(leaf("004"), leaf("1000")));
   EXPECT_EQ(bitLength(big), bitPosition(1000) + 1);
   EXPECT_TRUE(numbSign(big));
@@ -186,12 +178,10 @@ TEST(Numb, FlagAndLess) {
       {leaf("0017"), true},  {leaf("0016"), false},  {cell(false, cell(true, K())), true},  // [H, K]: 1
       {cell(false, leaf("002")), true}};  // [H] then the list of "002" [H, K, H]: -3
   for (const auto& [t, flag] : flags) EXPECT_EQ(numbFlag(t), flag) << printTerm(t);
-  EXPECT_EQ(text(numbDash(cell(false, leaf("002")), leaf("00"))), "0002");
   // x, y, x < y: unequal flags give y's flag; equal ones the top differing
-  // bit within the window, so 1.5 < 2 is false and 2 < 1.5 true.
+  // bit within the window (1.5 < 2 false, 2 < 1.5 true, and the other worked
+  // pairs: the golden program comparisons).
   const std::tuple<Term, Term, bool> less[] = {
-      {leaf("002"), leaf("001"), true},  {leaf("001"), leaf("002"), false}, {leaf("003"), leaf("004"), false},
-      {leaf("004"), leaf("003"), true},  {leaf("001"), leaf("000"), false}, {leaf("000"), leaf("001"), false},
       {leaf("001"), leaf("005"), true},  {leaf("005"), leaf("001"), false},
       // 1 and 5 differ only at bit index 2, outside the window of one-byte lists.
       {leaf("001"), leaf("0017"), false}, {leaf("0017"), leaf("001"), false},
@@ -200,10 +190,9 @@ TEST(Numb, FlagAndLess) {
   for (const auto& [x, y, want] : less) EXPECT_EQ(numbLess(x, y), want) << printTerm(x) << " < " << printTerm(y);
 }
 
+// (Plain values both ways: the random values above, and the random doubles
+// below.)
 TEST(Numb, ToDouble) {
-  EXPECT_EQ(numbToReal(leaf("004")), 2.0);
-  EXPECT_EQ(numbToReal(leaf("003")), 1.5);
-  EXPECT_EQ(numbToReal(leaf("000")), -1.0);
   EXPECT_EQ(std::bit_cast<uint64_t>(numbToReal(leaf("00"))), 0u);
   // The fixed form of the sum of signed powers 2^i, all of one sign.
   auto powers = [](std::initializer_list<int64_t> indices, bool plus = true) {
@@ -226,11 +215,8 @@ TEST(Numb, ToDouble) {
 }
 
 TEST(Numb, FromDouble) {
-  EXPECT_EQ(text(realToNumb(0.5)), "002");
   EXPECT_EQ(text(realToNumb(0.0)), "00");
-  EXPECT_EQ(text(realToNumb(1.0)), "001");
   EXPECT_EQ(text(realToNumb(-1.5)), "0001");
-  EXPECT_EQ(text(realToNumb(2.25)), "0012");
   EXPECT_EQ(text(realToNumb(-0.0)), "000");
   EXPECT_EQ(text(realToNumb(INFINITY)), "000");
   EXPECT_EQ(text(realToNumb(-INFINITY)), "000");

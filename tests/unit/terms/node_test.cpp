@@ -1,5 +1,5 @@
-// The header word bit by bit, node layout, reference counts that never spill
-// into the fields above them, and release of deep structures.
+// The header word bit by bit, reference counts that never spill into the
+// fields above them, leaf sizes by form and the slack behind a literal.
 #include <gtest/gtest.h>
 
 #include "terms/term.h"
@@ -60,24 +60,6 @@ TEST(Header, CountChangesKeepTheUpperBitsAndStopAtTheLimit) {
   EXPECT_EQ(n->count(), 1u);
 }
 
-TEST(Node, ApplicationIsThreeWordsAndCountsChildren) {
-  Term a = leaf("a");
-  Term b = leaf("b");
-  Term ab = App(a, b);
-  EXPECT_EQ(a.node()->count(), 2u);
-  EXPECT_EQ(ab.node()->count(), 1u);
-  EXPECT_EQ(ab.node()->top(), 0);  // not annotated
-  EXPECT_EQ(ab.first(), 0);
-  auto* words = reinterpret_cast<Node**>(ab.node() + 1);  // children follow the header
-  EXPECT_EQ(words[0], a.node());
-  EXPECT_EQ(words[1], b.node());
-  EXPECT_DEATH((void)a.left(), "ASSERTION FAILED");
-  // A leaf used twice in one spine is counted twice; App3 nests three deep.
-  Term spine = App3(leaf("f"), a, a, b);
-  EXPECT_EQ(a.node()->count(), 4u);
-  EXPECT_EQ(spine.left().left().left().first(), 'f');
-}
-
 TEST(Node, LeafSizesByForm) {
   EXPECT_EQ(leaf("12345").node()->size(), 5u);
   EXPECT_EQ(leaf("[a b]").node()->size(), 5u);
@@ -94,30 +76,6 @@ TEST(Node, LeafSizesByForm) {
   EXPECT_EQ(textOf(big).size(), 0x4000000u);
   digits.pop_back();
   EXPECT_EQ(leaf(digits).node()->size(), 0x3ffffffu);
-}
-
-TEST(Node, VectorReleasesElementsOnce) {
-  Term e = leaf("e");
-  {
-    Term v = vectorLeaf(3);
-    setElement(v, 0, e);
-    setElement(v, 2, e);
-    EXPECT_EQ(e.node()->count(), 3u);
-    EXPECT_EQ(v.node()->size(), 3u);
-    EXPECT_EQ(elementOf(v, 1).node(), nullptr);
-  }
-  EXPECT_EQ(e.node()->count(), 1u);
-  EXPECT_EQ(vectorLeaf(0).first(), '\n');
-}
-
-TEST(Node, MillionCellListAndChainReleaseSafely) {
-  Term list = leaf("K");
-  for (int i = 0; i < 1000000; i++) list = App2(leaf("J"), leaf("K"), std::move(list));
-  list = Term();
-  Term chain = leaf("f");
-  for (int i = 0; i < 1000000; i++) chain = App(std::move(chain), leaf("x"));
-  chain = Term();
-  SUCCEED();
 }
 
 TEST(Node, BracketLiteralsCarrySlackBehindTheirNul) {

@@ -1,5 +1,5 @@
-// Positions, names, the byte table, bracket codes, the shorthand and the
-// bracket-tree operations.
+// Names, the byte table, bracket codes, the shorthand and the bracket-tree
+// operations.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -15,29 +15,15 @@ namespace {
 constexpr std::string_view kListOfA = "[[[]][[][]][[]]]";
 constexpr std::string_view kListOfNul = "[[[[]][[]]][[][]][][]]";
 
-TEST(Texts, PositionsAndDigitValuesFollowTheSystemAlphabet) {
-  const std::pair<long, std::string_view> positions[] = {
-      {0, "_____"},     {1, "____a"},     {19, "____u"},           {20, "____s"},
-      {64, "___a_"},    {4094, "___~Y"}, {0x3fffffff, "~~~~~"}, {0x40000000, "!!!!!"}};
-  for (auto [p, text] : positions) EXPECT_EQ(positionText(p), text) << p;
-  EXPECT_DEATH(positionText(-1), "ASSERTION FAILED");
-  EXPECT_DEATH(positionText(0x40000001), "ASSERTION FAILED");
-  const std::pair<char, int> digits[] = {{'u', 19}, {'s', 20}, {'Z', 60}, {'~', 63}};
-  for (auto [c, v] : digits) EXPECT_EQ(digitValue(c), v) << c;
-}
-
 TEST(Texts, NameShapes) {
-  for (std::string_view yes : {"+", "plus_one", "_", "A", "Z", "\x01", "\x1f", "\x7f", "\xff", "{", ",", "?"})
+  for (std::string_view yes : {"+", "plus_one", "_", "Z", "\x01", "\x7f", "\xff", "{", ","})
     EXPECT_TRUE(isName(yes)) << yes;
-  for (std::string_view no : {"", "plus1", "Ab", "aB", "0", " ", "[", "]", "(", ")", "[+]", "++", "\n\n"})
-    EXPECT_FALSE(isName(no)) << no;
+  for (std::string_view no : {"", "plus1", "Ab", "0", " ", "[", ")", "[+]", "++"}) EXPECT_FALSE(isName(no)) << no;
   for (std::string_view yes : {"[+]", "[\\]", "[{]", "[,]", "plus_one", "A", "\x05", "\x80"})
     EXPECT_TRUE(isDefinableName(yes)) << yes;
   for (std::string_view no : {"+", "{", "", "[A]", "[[]", "[+", "plus1", "[ab]"})
     EXPECT_FALSE(isDefinableName(no)) << no;
-  EXPECT_EQ(plainName("[+]"), "+");
-  EXPECT_EQ(plainName("[\\]"), "\\");
-  EXPECT_EQ(plainName("plus"), "plus");
+  EXPECT_TRUE(plainName("[+]") == "+" && plainName("[\\]") == "\\" && plainName("plus") == "plus");
   EXPECT_DEATH((void)plainName("+"), "ASSERTION FAILED");
   EXPECT_TRUE(isLocalLetter("a") && isLocalLetter("z"));
   for (std::string_view no : {"ab", "A", "_", ""}) EXPECT_FALSE(isLocalLetter(no)) << no;
@@ -49,16 +35,13 @@ TEST(Texts, ByteTablePairs) {
     unsigned char glyph;
     int byte;
   };
-  // The class-2 code at its edges, then classes 1 and 3.
-  const Pair pairs[] = {{2, 'J', 0},   {2, 'j', 0},   {2, 'A', 1},   {2, 'i', 9},    {2, ',', 10},
-                        {2, 'K', 11},  {2, 'z', 26},  {2, '(', 27},  {2, '[', 31},   {2, '_', 32},
-                        {2, '~', 127}, {2, '!', 128}, {2, '\\', 143}, {2, '?', 150}, {2, '0', 151},
-                        {2, '9', 160}, {2, ']', 255}, {1, 'A', 193}, {1, '?', 191},  {3, '[', '['}};
+  // The class-2 code at its edges, then classes 1 and 3. (The report's
+  // rendering reads the whole table backwards: report_test.cpp.)
+  const Pair pairs[] = {{2, 'J', 0},   {2, 'j', 0},    {2, ',', 10},  {2, 'K', 11},  {2, '~', 127},
+                        {2, '!', 128}, {2, '\\', 143}, {2, ']', 255}, {1, 'A', 193}, {3, '[', '['}};
   for (const Pair& p : pairs) EXPECT_EQ(byteOfPair(p.cls, p.glyph), p.byte) << p.glyph;
-  // Table entries at the run boundaries: index, byte.
-  const int entries[][2] = {{0, 151},       {9, 160},         {52, 32},  {53, '_'}, {144, ','},
-                            {145, '_' + 128}, {236, ',' + 128}, {238, ']' + 128},       {239, 31},
-                            {245, 10},      {246, '['},       {247, ']'}, {255, 150}};
+  // Table entries at some run boundaries: index, byte.
+  const int entries[][2] = {{0, 151}, {52, 32}, {145, '_' + 128}, {239, 31}, {246, '['}, {255, 150}};
   for (const auto& e : entries) EXPECT_EQ(tableByte(e[0]), e[1]) << e[0];
   // Every byte is denoted exactly once.
   std::set<int> seen;
@@ -119,8 +102,6 @@ TEST(Texts, BracketLeftRightAndJoin) {
     // Joining the parts gives the text back, shorthand included.
     EXPECT_EQ(bracketJoin(s[1], s[2]), s[0]) << s[0];
   }
-  EXPECT_DEATH((void)bracketLeftText("[]"), "ASSERTION FAILED");
-  EXPECT_DEATH((void)bracketRightText("[]"), "ASSERTION FAILED");
   EXPECT_EQ(bracketJoin("[]", "[]"), "[[]]");
   EXPECT_EQ(bracketJoin("[a]", "[b]"), "[a[b]]");
 
@@ -133,7 +114,6 @@ TEST(Texts, BracketLeftRightAndJoin) {
   EXPECT_EQ(textOf(bracketLeft(leaf("[xa]"))), "[x]");
   EXPECT_EQ(textOf(right), kListOfA);
   EXPECT_EQ(right.node()->size(), kListOfA.size());  // a proper bracket leaf
-  EXPECT_DEATH((void)bracketLeft(leaf("[]")), "ASSERTION FAILED");
 }
 
 TEST(Texts, FlattenJoinsChildrenAtAnyDepth) {
