@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <array>
 #include <deque>
+#include <memory>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -172,9 +173,28 @@ struct Tracked {
   Node* node;
   int64_t held;      // references in the computation under way
   uint32_t outside;  // references of the call's application, given up when it fires
+  size_t logged;     // writes logged for this vector
+  struct Originals* originals;  // once logging costs more than a slot table
 };
 Tracked tracked[kMaxParams];
 int trackedCount = 0;
+bool wroteAny = false;
+
+// A vector's written slots and their elements from before the attempt, each
+// with its reference: a bit per slot telling which were written, and a table
+// by slot for the old elements. The first old element seen is the common
+// one (a vector is often made of one value repeated): slots that held it
+// only count its references, and the table is written for the others. It
+// replaces the log of a vector once a sixty-fourth of its slots have been
+// written, when clearing the bits costs no more than the entries did.
+struct Originals {
+  std::vector<uint64_t> written, own;  // own: the old element is in `first`
+  std::unique_ptr<Node*[]> first;      // not initialised: only own slots are read
+  bool hasCommon = false;
+  Node* common = nullptr;
+  size_t commonRefs = 0;
+};
+Originals originalsOf[kMaxParams];
 
 struct SlotWrite {
   Node* target;  // a vector or a blob
@@ -218,6 +238,55 @@ Tracked* trackedOf(const Node* n) {
     if (uses[size_t(k)]) held(params[k], -int64_t(uses[size_t(k)]));
 }
 
+// Slot i of a vector with a table of originals gives up the element `was`.
+inline void replaced(Originals& o, size_t i, Node* was) {
+  uint64_t& word = o.written[i >> 6];
+  uint64_t bit = uint64_t(1) << (i & 63);
+  if (word & bit) {
+    if (was) releaseNode(was);  // a value the attempt itself wrote
+    return;
+  }
+  word |= bit;  // the slot's reference moves to the table
+  if (!o.hasCommon) {
+    o.hasCommon = true;
+    o.common = was;
+  }
+  if (was == o.common) {
+    o.commonRefs++;
+    return;
+  }
+  o.own[i >> 6] |= bit;
+  o.first[i] = was;
+}
+
+// The element slot i held before the attempt; its reference is the table's.
+inline Node* originalAt(const Originals& o, size_t i) {
+  return (o.own[i >> 6] >> (i & 63)) & 1 ? o.first[i] : o.common;
+}
+
+// The log entries of one vector move to its table of originals.
+void takeOriginals(Tracked& t) {
+  size_t n = t.node->size();
+  Originals& o = originalsOf[&t - tracked];
+  o.written.assign((n + 63) / 64, 0);
+  o.own.assign((n + 63) / 64, 0);
+  o.first.reset(new Node*[n]);
+  t.originals = &o;
+  std::deque<SlotWrite> others;
+  for (const SlotWrite& w : slotWrites)
+    if (w.target == t.node) replaced(o, w.slot, w.old);
+    else others.push_back(w);
+  slotWrites.swap(others);
+}
+
+// Each written slot of a vector with a table of originals.
+template <typename F>
+void forWritten(const Tracked& t, F each) {
+  const Originals& o = *t.originals;
+  for (size_t k = 0; k < o.written.size(); k++)
+    for (uint64_t bits = o.written[k]; bits; bits &= bits - 1) each(k * 64 + size_t(__builtin_ctzll(bits)));
+}
+
 void undoSlotWrites() {
   for (size_t i = slotWrites.size(); i-- > 0;) {
     const SlotWrite& w = slotWrites[i];
@@ -230,14 +299,33 @@ void undoSlotWrites() {
     if (now) releaseNode(now);
   }
   slotWrites.clear();
+  for (int k = 0; k < trackedCount; k++) {
+    Tracked& t = tracked[k];
+    if (!t.originals) continue;
+    forWritten(t, [&](size_t i) {
+      Node* now = t.node->element(i);
+      t.node->setElementRaw(i, originalAt(*t.originals, i));
+      if (now) releaseNode(now);
+    });
+  }
 }
 
 void keepSlotWrites() {
-  if (slotWrites.empty()) return;
+  if (!wroteAny) return;
   advanceMemoryEpoch();  // as each update of the machine does
   for (const SlotWrite& w : slotWrites)
     if (w.old) releaseNode(w.old);
   slotWrites.clear();
+  for (int k = 0; k < trackedCount; k++) {
+    Tracked& t = tracked[k];
+    if (!t.originals) continue;
+    const Originals& o = *t.originals;
+    forWritten(t, [&](size_t i) {
+      if ((o.own[i >> 6] >> (i & 63)) & 1 && o.first[i]) releaseNode(o.first[i]);
+    });
+    if (o.common)
+      for (size_t r = 0; r < o.commonRefs; r++) releaseNode(o.common);
+  }
 }
 
 Term escape(const Val& v);
@@ -294,6 +382,7 @@ Val corkSlot(const Val& target, const Val& index, const Val& value) {
     unsigned char* bytes = blobData(v, &size);
     if (!value.isWord() || !slotIndex(index, size, slot)) return kFailed;
     slotWrites.push_back({v, slot, nullptr, bytes[slot]});
+    wroteAny = true;
     bytes[slot] = uint8_t(uint64_t(value.word()));
     return target;
   }
@@ -311,7 +400,13 @@ Val corkSlot(const Val& target, const Val& index, const Val& value) {
     now = escape(value).detach();
   }
   v->setElementRaw(slot, now);
-  slotWrites.push_back({v, slot, old, -1});
+  wroteAny = true;
+  if (t->originals) {
+    replaced(*t->originals, slot, old);
+  } else {
+    slotWrites.push_back({v, slot, old, -1});
+    if (++t->logged * 64 > v->size()) takeOriginals(*t);
+  }
   held(value, -1);
   return target;
 }
@@ -548,7 +643,7 @@ bool evaluate(DirectCode* d, const Term& call, const Term* const* args, int argc
     Tracked* t = trackedOf(n);
     if (!t) {
       t = &tracked[trackedCount++];
-      *t = {n, 0, 0};
+      *t = {n, 0, 0, 0, nullptr};
     }
     t->held++;
     t->outside++;
@@ -561,17 +656,21 @@ bool evaluate(DirectCode* d, const Term& call, const Term* const* args, int argc
   depth = 0;
   Val r = eval(d, d->root, params);
   argTop = params;
-  trackedCount = 0;
-  if (r.failed()) {
+  bool taken = !r.failed();
+  if (taken) {
+    callsTaken++;
+    result = escape(r);
+    keepSlotWrites();
+  } else {
     undoSlotWrites();
     d->runnable = false;  // not again until the definition changes
     callsDeclined++;
-    return false;
   }
-  callsTaken++;
-  result = escape(r);
-  keepSlotWrites();
-  return true;
+  for (int k = 0; k < trackedCount; k++)
+    if (Originals* o = tracked[k].originals) *o = Originals{};
+  trackedCount = 0;
+  wroteAny = false;
+  return taken;
 }
 
 // The body of d's definition built from its template; false without one.

@@ -213,7 +213,7 @@ class VectorGen:
             'gv\\cray/0*6',
             'gb\\cape[ab]*5',
         ]
-        sizes = [r.choice([1, 3, 6, 10]) for _ in range(3)]
+        sizes = [r.choice([1, 3, 6, 10, 300]) for _ in range(3)]  # 300: writes logged first
         def fresh(k):
             if r.random() < 0.3:  # a blob: its elements are bytes
                 return 'cape[%s]*%d' % (r.choice(['a', 'xy', '07']), sizes[k])

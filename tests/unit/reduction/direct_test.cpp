@@ -209,7 +209,8 @@ TEST_F(Direct_, VectorsUpdateInPlaceOnlyForASoleHolder) {
   program(
       "0,seq\\x\\y\\y,fill\\v\\i\\(i<3)(fill(cork(v,i,look(v,i)+i+1),i+1))v,"
       "both\\v\\w\\seq(cork(v,0,9),look(w,0)),twice\\v\\x\\both(v,v),"
-      "spoil\\v\\i\\(i<3)(spoil(cork(v,i,look(v,i)+1),i+1))(keep(v,i*99999999999999999)),keep\\v\\x\\v");
+      "spoil\\v\\i\\(i<3)(spoil(cork(v,i,look(v,i)+1),i+1))(keep(v,i*99999999999999999)),keep\\v\\x\\v,"
+      "back\\v\\x\\again(look(v,0),v),again\\e\\v\\cork(cork(v,0,5),0,e)");
   for (bool fast : {true, false}) {
     SCOPED_TRACE(fast ? "fast" : "slow");
     // Sole holder: every update lands in the vector itself.
@@ -238,6 +239,17 @@ TEST_F(Direct_, VectorsUpdateInPlaceOnlyForASoleHolder) {
     Term spoilt = callOn(fast, "spoil", std::move(w), "0");
     EXPECT_EQ(spoilt.node(), at);
     for (int i = 0; i < 3; i++) EXPECT_EQ(textOf(elementOf(spoilt, size_t(i))), "1");
+    // The same with a vector large enough that its writes are logged one by
+    // one rather than kept in a table by slot.
+    Term large = callOn(fast, "spoil", zeros(1000), "0");
+    EXPECT_EQ(textOf(elementOf(large, 0)), "1");
+    EXPECT_EQ(textOf(elementOf(large, 3)), "0");
+
+    // An element written over and then put back is the same node as before.
+    Term before = zeros(4);
+    Node* zero = before.node()->element(0);
+    Term restored = callOn(fast, "back", std::move(before), "K");
+    EXPECT_EQ(restored.node()->element(0), zero);
 
     // A blob's bytes follow the same rules.
     Term b = reduce(term("cape[a]*4"));
