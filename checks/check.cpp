@@ -152,25 +152,14 @@ void replaceBody(const std::string& name, Term body) {
   if (!body.same(bodyOf(name))) setGlobal(name, std::move(body));
 }
 
-// The alive check: everything reachable from the main term must be defined. The queue
-// is visited least name first; a name queued twice keeps its last referrer.
+// The alive check: everything reachable from the main term must be defined.
 Report checkAlive() {
-  std::map<std::string, std::string> queue;  // name -> referrer
-  std::set<std::string> seen;
-  queue.emplace("", "nowhere");
-  while (!queue.empty()) {
-    auto first = queue.begin();
-    std::string name = first->first;
-    std::string referrer = first->second.empty() ? "TOP" : first->second;
-    queue.erase(first);
-    seen.insert(name);
-    const Term* body = findGlobal(name);
-    if (!body) return aliveReport(referrer, name);
-    NameList refs = globalRefs(*body);
-    for (std::string& ref : refs.names)
-      if (!seen.count(ref)) queue[std::move(ref)] = name;
-  }
-  return Report{};
+  return walkAlive(
+      [](const std::string& name, const Term*& body) {
+        body = findGlobal(name);
+        return body != nullptr;
+      },
+      "");
 }
 
 // Taint and removal: a definition that reaches an undefined name, directly or
@@ -189,6 +178,27 @@ void removeTainted(const std::vector<std::string>& names) {
 }
 
 }  // namespace
+
+Report walkAlive(const std::function<bool(const std::string& name, const Term*& body)>& lookup,
+                 std::string_view what) {
+  std::map<std::string, std::string> queue;  // name -> referrer
+  std::set<std::string> seen;
+  queue.emplace("", "nowhere");
+  while (!queue.empty()) {
+    auto first = queue.begin();
+    std::string name = first->first;
+    std::string referrer = first->second.empty() ? "TOP" : first->second;
+    queue.erase(first);
+    seen.insert(name);
+    const Term* body = nullptr;
+    if (!lookup(name, body)) return aliveReport(referrer, name, what);
+    if (!body) continue;
+    NameList refs = globalRefs(*body);
+    for (std::string& ref : refs.names)
+      if (!seen.count(ref)) queue[std::move(ref)] = name;
+  }
+  return Report{};
+}
 
 Report checkProgram() {
   // 1. The record layouts, visible to every program as `_`.

@@ -13,6 +13,8 @@
 // empty name) first. The report makers are shared with run-time compilation.
 #pragma once
 
+#include <functional>
+
 #include <string>
 #include <string_view>
 
@@ -33,6 +35,12 @@ Report funkyReport(std::string_view name, const Term& offending);
 // `what` names the kind of the undefined name in the message ("function " at
 // run time, nothing at start-up).
 Report aliveReport(std::string_view referrer, std::string_view undefinedName, std::string_view what = "");
+// The alive walk from the main term (the empty name), least name first, a
+// name queued twice keeping its last referrer. `lookup` tells whether a name
+// is defined and gives the body to enter (null: defined, not entered). The
+// first undefined name gives aliveReport with `what`.
+Report walkAlive(const std::function<bool(const std::string& name, const Term*& body)>& lookup,
+                 std::string_view what);
 Report placeReport(std::string_view name);
 Report arityReport(std::string_view name);
 Report localReport(std::string_view name, char letter);

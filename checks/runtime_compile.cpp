@@ -44,28 +44,18 @@ Report roadsReport(std::string_view name) {
   return r;
 }
 
-// The alive walk from the main expression, least name first, a name queued
-// twice keeping its last referrer. The walk does not enter definitions that
-// `globals` already has: the start-up checks have proved that they reach
-// only defined names.
+// The alive walk from the main expression. It does not enter definitions
+// that `globals` already has: the start-up checks have proved that they
+// reach only defined names.
 Report checkAlive(const NewGlobals& table) {
-  std::map<std::string, std::string> queue;  // name -> referrer
-  std::set<std::string> seen;
-  queue.emplace("", "nowhere");
-  while (!queue.empty()) {
-    auto first = queue.begin();
-    std::string name = first->first;
-    std::string referrer = first->second.empty() ? "TOP" : first->second;
-    queue.erase(first);
-    seen.insert(name);
-    if (!isDefined(table, name)) return aliveReport(referrer, name, "function ");
-    auto entry = table.entries.find(name);
-    if (entry == table.entries.end()) continue;
-    NameList refs = globalRefs(entry->second);
-    for (std::string& ref : refs.names)
-      if (!seen.count(ref)) queue[std::move(ref)] = name;
-  }
-  return Report{};
+  return walkAlive(
+      [&](const std::string& name, const Term*& body) {
+        if (!isDefined(table, name)) return false;
+        auto entry = table.entries.find(name);
+        body = entry == table.entries.end() ? nullptr : &entry->second;
+        return true;
+      },
+      "function ");
 }
 
 // Taint over the new definitions: one that reaches an undefined name,
