@@ -14,11 +14,9 @@
 
 #include <sys/mman.h>
 
-#include <algorithm>
-#include <array>
+#include <cstring>
 #include <deque>
 #include <memory>
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -101,15 +99,20 @@ Val arith(Arith op, int64_t a, int64_t b) {
   return {r, nullptr, how};
 }
 
+inline bool compareWords(Compare op, int64_t a, int64_t b) {
+  switch (op) {
+    case Compare::kLess: return a < b;
+    case Compare::kGreaterEq: return a >= b;
+    case Compare::kSame: return a == b;
+    case Compare::kDiff: return a != b;
+  }
+  return false;
+}
+
 Val compare(Compare op, const Val& x, const Val& y) {
   bool yes = false;
   if (x.isWord() && y.isWord()) {
-    switch (op) {
-      case Compare::kLess: yes = x.word() < y.word(); break;
-      case Compare::kGreaterEq: yes = x.word() >= y.word(); break;
-      case Compare::kSame: yes = x.word() == y.word(); break;
-      case Compare::kDiff: yes = x.word() != y.word(); break;
-    }
+    yes = compareWords(op, x.word(), y.word());
   } else if ((op == Compare::kSame || op == Compare::kDiff) && x.how() == How::kNode &&
              y.how() == How::kNode && x.node() == y.node()) {
     yes = op == Compare::kSame;  // one node is the same as itself, whatever it is
@@ -476,14 +479,7 @@ int truth(const DirectCode* d, int32_t at, const Val* params) {
   if (in.kind == Expr::kCompare) [[likely]] {
     Val x = operand(d, in.a, params);
     Val y = x.failed() ? x : operand(d, in.b, params);
-    if (x.isWord() && y.isWord()) [[likely]] {
-      switch (Compare(in.op)) {
-        case Compare::kLess: return x.word() < y.word();
-        case Compare::kGreaterEq: return x.word() >= y.word();
-        case Compare::kSame: return x.word() == y.word();
-        case Compare::kDiff: return x.word() != y.word();
-      }
-    }
+    if (x.isWord() && y.isWord()) [[likely]] return compareWords(Compare(in.op), x.word(), y.word());
     c = y.failed() ? y : compare(Compare(in.op), x, y);
     held(x, -1);
     held(y, -1);
